@@ -1,0 +1,59 @@
+#!/usr/bin/env bash
+# Sets up a fresh Debian 12 machine and runs one of the project's jobs.
+#   ./build.sh example   build, then run streamgen on a shipped example
+#   ./build.sh test      build and run the unit tests (default preset)
+#   ./build.sh asan      build and run the unit tests under ASan+UBSan
+#   ./build.sh fuzz [S]  build the decode fuzzer with clang and run it for S seconds (default 60)
+set -euo pipefail
+cd "$(dirname "$0")"
+
+packages=(build-essential cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
+          nlohmann-json3-dev libcli11-dev libpcap-dev clang libclang-rt-dev)
+
+install_missing() {
+    local missing=()
+    for p in "${packages[@]}"; do
+        dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+    done
+    if ((${#missing[@]})); then
+        echo "installing: ${missing[*]}" >&2
+        local sudo=""
+        [ "$(id -u)" -eq 0 ] || sudo="sudo"
+        $sudo apt-get update -qq
+        DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
+    fi
+}
+
+build() {
+    local preset=$1
+    cmake --preset "$preset" >/dev/null
+    cmake --build --preset "$preset" -j "$(nproc)"
+}
+
+job=${1:-test}
+install_missing
+case "$job" in
+    example)
+        build default
+        exec ./examples/run-example.sh build/default
+        ;;
+    test)
+        build default
+        ctest --preset default
+        ;;
+    asan)
+        build asan
+        ctest --preset asan
+        ;;
+    fuzz)
+        build fuzz
+        seconds=${2:-60}
+        mkdir -p build/fuzz/corpus
+        build/fuzz/fuzz/fuzz_decode -max_total_time="$seconds" -rss_limit_mb=2048 -malloc_limit_mb=512 \
+            build/fuzz/corpus fuzz/corpus
+        ;;
+    *)
+        echo "usage: $0 example|test|asan|fuzz [seconds]" >&2
+        exit 2
+        ;;
+esac

@@ -1,0 +1,112 @@
+#include "platform/Message.h"
+
+#include <memory>
+
+#include "platform/Tm_exception.h"
+
+Message::Message() = default;
+Message::Message(const Message& other) = default;
+Message& Message::operator=(const Message& other) = default;
+Message::~Message() = default;
+
+int Message::index(TMG group) {
+    if (group != TMG_RECV && group != TMG_SEND) throw Tm_out_of_range_exception(group, 0, 1);
+    return group;
+}
+
+Tm_catalog<std::string>* Message::get_send_member_string(TMG group) { return &m_catalogs[index(group)]; }
+
+const Tm_catalog<std::string>* Message::get_send_member_string(TMG group) const { return &m_catalogs[index(group)]; }
+
+namespace {
+
+// Interns every member name of a tree, depth first, in member order.
+class NameCollector final : public Tm_visitor {
+public:
+    explicit NameCollector(Tm_catalog<std::string>& c) : m_catalog(c) {}
+    void visit_int8(int) override {}
+    void visit_uint8(unsigned int) override {}
+    void visit_int16(int) override {}
+    void visit_uint16(unsigned int) override {}
+    void visit_int32(int) override {}
+    void visit_uint32(unsigned int) override {}
+    void visit_int64(long) override {}
+    void visit_uint64(unsigned long) override {}
+    void visit_double(double) override {}
+    void visit_bool(bool) override {}
+    void visit_string(const std::string&) override {}
+    void visit_binary(const unsigned char*, std::size_t) override {}
+    void visit_date(long) override {}
+    void visit_file(const Tm_file&) override {}
+    void visit_message(const Message& m) override {
+        m.get_group(TMG_SEND).accept(*this);
+        m.get_group(TMG_RECV).accept(*this);
+    }
+    void begin_struct(const Tm_struct&) override {}
+    void visit_member_name(const std::string& name) override { m_catalog.add(name); }
+    void end_struct(const Tm_struct&) override {}
+    void begin_array(const Tm_array&) override {}
+    void end_array(const Tm_array&) override {}
+
+private:
+    Tm_catalog<std::string>& m_catalog;
+};
+
+}  // namespace
+
+bool Message::create_send_member_string_meta() {
+    if (!m_useSendMemberString) return false;
+    NameCollector collector(m_catalogs[TMG_SEND]);
+    m_groups[TMG_SEND].accept(collector);
+    return true;
+}
+
+void Message::clear(TMG group) {
+    m_groups[index(group)].clear();
+    m_catalogs[index(group)].clear();
+}
+
+void Message::add_member(TMG g, const std::string& n, bool v) { m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, signed char v) { m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, unsigned char v) { m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, short v) { m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, unsigned short v) { m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, int v) { m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, unsigned int v) { m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, long v) { m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, unsigned long v) { m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, double v) { m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, const char* v) { m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, const std::string& v) { m_groups[index(g)].add_member(n, v); }
+void Message::add_member_and_own(TMG g, const std::string& n, Tm_value* v) {
+    std::unique_ptr<Tm_value> owned(v);
+    const int i = index(g);
+    m_groups[i].add_member_and_own(n, owned.release());
+}
+
+int Message::get_member_index(TMG g, const std::string& n) const { return get_group(g).get_member_index(n); }
+bool Message::get_member_bool(TMG g, const std::string& n) const { return get_group(g).get_member_bool(n); }
+signed char Message::get_member_int8(TMG g, const std::string& n) const { return get_group(g).get_member_int8(n); }
+unsigned char Message::get_member_uint8(TMG g, const std::string& n) const { return get_group(g).get_member_uint8(n); }
+short Message::get_member_int16(TMG g, const std::string& n) const { return get_group(g).get_member_int16(n); }
+unsigned short Message::get_member_uint16(TMG g, const std::string& n) const { return get_group(g).get_member_uint16(n); }
+int Message::get_member_int32(TMG g, const std::string& n) const { return get_group(g).get_member_int32(n); }
+unsigned int Message::get_member_uint32(TMG g, const std::string& n) const { return get_group(g).get_member_uint32(n); }
+long Message::get_member_int64(TMG g, const std::string& n) const { return get_group(g).get_member_int64(n); }
+unsigned long Message::get_member_uint64(TMG g, const std::string& n) const { return get_group(g).get_member_uint64(n); }
+double Message::get_member_double(TMG g, const std::string& n) const { return get_group(g).get_member_double(n); }
+const std::string& Message::get_member_string(TMG g, const std::string& n) const {
+    return get_group(g).get_member_string(n);
+}
+const Tm_struct* Message::get_member_struct(TMG g, const std::string& n) const {
+    return get_group(g).get_member_struct(n);
+}
+const Tm_array* Message::get_member_array(TMG g, const std::string& n) const { return get_group(g).get_member_array(n); }
+const Tm_binary* Message::get_member_binary(TMG g, const std::string& n) const {
+    return get_group(g).get_member_binary(n);
+}
+
+bool Message::equals(const Message& o) const {
+    return m_type == o.m_type && m_requestName == o.m_requestName && m_groups[0].equals(o.m_groups[0]) &&
+           m_groups[1].equals(o.m_groups[1]);
+}

@@ -1,0 +1,169 @@
+#include "platform/Tm_array.h"
+
+#include <typeinfo>
+
+#include "platform/Message.h"
+#include "platform/Tm_exception.h"
+
+using tm_detail::Slot;
+
+Tm_array::Tm_array(Tm_catalog<std::string>* catalog) : Tm_value_container(TMV_ARRAY), m_catalog(catalog) {}
+
+Tm_array::Tm_array(const Tm_array& other) : Tm_value_container(TMV_ARRAY), m_catalog(other.m_catalog) {
+    const int n = other.get_member_count();
+    m_items.reserve(static_cast<size_t>(n));
+    if (typeid(other) == typeid(Tm_array)) {
+        for (const Slot& s : other.m_items) m_items.push_back(s.clone());
+    } else {
+        // A derived array (for example one backed by a caller's container): copy through
+        // its public interface.
+        for (int i = 0; i < n; ++i) {
+            switch (other.get_member_value_type(i)) {
+                case TMV_INT8: m_items.push_back(Slot::of_signed(TMV_INT8, other.get_member_int8(i))); break;
+                case TMV_UINT8: m_items.push_back(Slot::of_unsigned(TMV_UINT8, other.get_member_uint8(i))); break;
+                case TMV_INT16: m_items.push_back(Slot::of_signed(TMV_INT16, other.get_member_int16(i))); break;
+                case TMV_UINT16: m_items.push_back(Slot::of_unsigned(TMV_UINT16, other.get_member_uint16(i))); break;
+                case TMV_INT32: m_items.push_back(Slot::of_signed(TMV_INT32, other.get_member_int32(i))); break;
+                case TMV_UINT32: m_items.push_back(Slot::of_unsigned(TMV_UINT32, other.get_member_uint32(i))); break;
+                case TMV_INT64: m_items.push_back(Slot::of_signed(TMV_INT64, other.get_member_int64(i))); break;
+                case TMV_UINT64: m_items.push_back(Slot::of_unsigned(TMV_UINT64, other.get_member_uint64(i))); break;
+                case TMV_DOUBLE: m_items.push_back(Slot::of_double(other.get_member_double(i))); break;
+                case TMV_BOOL: m_items.push_back(Slot::of_bool(other.get_member_bool(i))); break;
+                case TMV_STRING: m_items.push_back(Slot::owning(new Tm_string(other.get_member_string(i)))); break;
+                case TMV_STRUCT: m_items.push_back(Slot::owning(other.get_member_struct(i)->clone())); break;
+                case TMV_ARRAY: m_items.push_back(Slot::owning(other.get_member_array(i)->clone())); break;
+                case TMV_BINARY: m_items.push_back(Slot::owning(other.get_member_binary(i)->clone())); break;
+                case TMV_DATE: m_items.push_back(Slot::owning(other.get_member_date(i)->clone())); break;
+                case TMV_FILE: m_items.push_back(Slot::owning(other.get_member_file(i)->clone())); break;
+                case TMV_MESSAGE: m_items.push_back(Slot::owning(new Tm_message(*other.get_member_message(i)))); break;
+            }
+        }
+    }
+}
+
+Tm_array& Tm_array::operator=(const Tm_array& other) {
+    if (this != &other) {
+        Tm_array copy(other);
+        m_items.swap(copy.m_items);
+        m_catalog = other.m_catalog;
+    }
+    return *this;
+}
+
+Tm_value* Tm_array::clone() const { return new Tm_array(*this); }
+
+Tm_array::~Tm_array() = default;
+
+bool Tm_array::equals(const Tm_value& other) const {
+    if (other.get_value_type() != TMV_ARRAY) return false;
+    const auto& o = static_cast<const Tm_array&>(other);
+    if (typeid(o) != typeid(Tm_array)) return o.equals(*this);  // let a derived array decide
+    if (o.m_items.size() != m_items.size()) return false;
+    for (size_t i = 0; i < m_items.size(); ++i) {
+        if (!m_items[i].equals(o.m_items[i])) return false;
+    }
+    return true;
+}
+
+void Tm_array::accept(Tm_visitor& visitor) const {
+    visitor.begin_array(*this);
+    const int n = get_member_count();
+    for (int i = 0; i < n; ++i) item_accept(i, visitor);
+    visitor.end_array(*this);
+}
+
+void Tm_array::clear() { m_items.clear(); }
+
+void Tm_array::reserve(int count) {
+    if (count < 0) throw Tm_out_of_range_exception(count, 0, 0x7fffffff);
+    m_items.reserve(static_cast<size_t>(count));
+}
+
+void Tm_array::add_member(signed char v) { m_items.push_back(Slot::of_signed(TMV_INT8, v)); }
+void Tm_array::add_member(unsigned char v) { m_items.push_back(Slot::of_unsigned(TMV_UINT8, v)); }
+void Tm_array::add_member(short v) { m_items.push_back(Slot::of_signed(TMV_INT16, v)); }
+void Tm_array::add_member(unsigned short v) { m_items.push_back(Slot::of_unsigned(TMV_UINT16, v)); }
+void Tm_array::add_member(int v) { m_items.push_back(Slot::of_signed(TMV_INT32, v)); }
+void Tm_array::add_member(unsigned int v) { m_items.push_back(Slot::of_unsigned(TMV_UINT32, v)); }
+void Tm_array::add_member(long v) { m_items.push_back(Slot::of_signed(TMV_INT64, v)); }
+void Tm_array::add_member(unsigned long v) { m_items.push_back(Slot::of_unsigned(TMV_UINT64, v)); }
+void Tm_array::add_member(double v) { m_items.push_back(Slot::of_double(v)); }
+void Tm_array::add_member(bool v) { m_items.push_back(Slot::of_bool(v)); }
+void Tm_array::add_member(const char* v) { m_items.push_back(Slot::owning(new Tm_string(v ? v : ""))); }
+void Tm_array::add_member(const std::string& v) { m_items.push_back(Slot::owning(new Tm_string(v))); }
+void Tm_array::add_member(const Tm_binary* v) {
+    if (!v) throw Tm_exception("null binary value");
+    m_items.push_back(Slot::owning(v->clone()));
+}
+void Tm_array::add_member(const unsigned char* data, unsigned int size) {
+    if (!data && size) throw Tm_exception("null binary data");
+    m_items.push_back(Slot::owning(new Tm_binary(data, size)));
+}
+void Tm_array::add_member(const std::string& v, unsigned int maxLength) {
+    m_items.push_back(Slot::owning(new Tm_string(v.substr(0, maxLength))));
+}
+void Tm_array::add_member(const Tm_value* v) {
+    if (!v) throw Tm_exception("null value");
+    m_items.push_back(Slot::owning(v->clone()));
+}
+void Tm_array::add_member_and_own(Tm_value* v) {
+    Slot slot = Slot::owning(v);
+    m_items.push_back(std::move(slot));
+}
+
+int Tm_array::get_member_count() const { return static_cast<int>(m_items.size()); }
+
+void Tm_array::check_index(int index, int count) {
+    if (index < 0 || index >= count) throw Tm_out_of_range_exception(index, 0, count - 1);
+}
+
+TMV Tm_array::get_member_value_type(int index) const {
+    check_index(index, get_member_count());
+    return m_items[static_cast<size_t>(index)].kind();
+}
+
+const Slot& Tm_array::typed(int index, TMV kind) const {
+    check_index(index, get_member_count());
+    const Slot& s = m_items[static_cast<size_t>(index)];
+    if (s.kind() != kind) throw Tm_type_mismatch_exception(s.kind(), kind);
+    return s;
+}
+
+signed char Tm_array::get_member_int8(int i) const { return static_cast<signed char>(typed(i, TMV_INT8).as_signed()); }
+unsigned char Tm_array::get_member_uint8(int i) const {
+    return static_cast<unsigned char>(typed(i, TMV_UINT8).as_unsigned());
+}
+short Tm_array::get_member_int16(int i) const { return static_cast<short>(typed(i, TMV_INT16).as_signed()); }
+unsigned short Tm_array::get_member_uint16(int i) const {
+    return static_cast<unsigned short>(typed(i, TMV_UINT16).as_unsigned());
+}
+int Tm_array::get_member_int32(int i) const { return static_cast<int>(typed(i, TMV_INT32).as_signed()); }
+unsigned int Tm_array::get_member_uint32(int i) const {
+    return static_cast<unsigned int>(typed(i, TMV_UINT32).as_unsigned());
+}
+long Tm_array::get_member_int64(int i) const { return typed(i, TMV_INT64).as_signed(); }
+unsigned long Tm_array::get_member_uint64(int i) const { return typed(i, TMV_UINT64).as_unsigned(); }
+double Tm_array::get_member_double(int i) const { return typed(i, TMV_DOUBLE).as_double(); }
+bool Tm_array::get_member_bool(int i) const { return typed(i, TMV_BOOL).as_bool(); }
+const std::string& Tm_array::get_member_string(int i) const {
+    return static_cast<const Tm_string*>(typed(i, TMV_STRING).value())->get();
+}
+const Tm_array* Tm_array::get_member_array(int i) const {
+    return static_cast<const Tm_array*>(typed(i, TMV_ARRAY).value());
+}
+const Tm_struct* Tm_array::get_member_struct(int i) const {
+    return static_cast<const Tm_struct*>(typed(i, TMV_STRUCT).value());
+}
+const Tm_date* Tm_array::get_member_date(int i) const { return static_cast<const Tm_date*>(typed(i, TMV_DATE).value()); }
+const Tm_binary* Tm_array::get_member_binary(int i) const {
+    return static_cast<const Tm_binary*>(typed(i, TMV_BINARY).value());
+}
+const Tm_file* Tm_array::get_member_file(int i) const { return static_cast<const Tm_file*>(typed(i, TMV_FILE).value()); }
+const Message* Tm_array::get_member_message(int i) const {
+    return &static_cast<const Tm_message*>(typed(i, TMV_MESSAGE).value())->get();
+}
+
+void Tm_array::item_accept(int index, Tm_visitor& visitor) const {
+    check_index(index, get_member_count());
+    m_items[static_cast<size_t>(index)].accept(visitor);
+}

@@ -1,0 +1,215 @@
+#include "platform/Tm_struct.h"
+
+#include <memory>
+
+#include "platform/Message.h"
+#include "platform/Tm_array.h"
+#include "platform/Tm_exception.h"
+
+using tm_detail::Slot;
+
+Tm_struct::Tm_struct() : Tm_value_container(TMV_STRUCT) {}
+
+Tm_struct::Tm_struct(const Tm_struct& other) : Tm_value_container(TMV_STRUCT) {
+    m_members.reserve(other.m_members.size());
+    for (const Member& m : other.m_members) m_members.push_back(Member{m.name, m.slot.clone()});
+}
+
+Tm_struct& Tm_struct::operator=(const Tm_struct& other) {
+    if (this != &other) {
+        Tm_struct copy(other);
+        m_members.swap(copy.m_members);
+    }
+    return *this;
+}
+
+Tm_struct::Tm_struct(Tm_struct&& other) noexcept : Tm_value_container(TMV_STRUCT), m_members(std::move(other.m_members)) {}
+
+Tm_struct& Tm_struct::operator=(Tm_struct&& other) noexcept {
+    m_members = std::move(other.m_members);
+    return *this;
+}
+
+Tm_struct::~Tm_struct() = default;
+
+Tm_value* Tm_struct::clone() const { return new Tm_struct(*this); }
+
+bool Tm_struct::equals(const Tm_value& other) const {
+    if (other.get_value_type() != TMV_STRUCT) return false;
+    const auto& o = static_cast<const Tm_struct&>(other);
+    if (o.m_members.size() != m_members.size()) return false;
+    for (size_t i = 0; i < m_members.size(); ++i) {
+        if (m_members[i].name != o.m_members[i].name || !m_members[i].slot.equals(o.m_members[i].slot)) return false;
+    }
+    return true;
+}
+
+void Tm_struct::accept(Tm_visitor& visitor) const {
+    visitor.begin_struct(*this);
+    for (const Member& m : m_members) {
+        visitor.visit_member_name(m.name);
+        m.slot.accept(visitor);
+    }
+    visitor.end_struct(*this);
+}
+
+void Tm_struct::clear() { m_members.clear(); }
+
+int Tm_struct::get_member_index(const std::string& name) const {
+    for (size_t i = 0; i < m_members.size(); ++i) {
+        if (m_members[i].name == name) return static_cast<int>(i);
+    }
+    return -1;
+}
+
+const std::string& Tm_struct::get_member_name(int index) const {
+    if (index < 0 || index >= get_member_count()) throw Tm_out_of_range_exception(index, 0, get_member_count() - 1);
+    return m_members[static_cast<size_t>(index)].name;
+}
+
+TMV Tm_struct::get_member_value_type(int index) const {
+    if (index < 0 || index >= get_member_count()) throw Tm_out_of_range_exception(index, 0, get_member_count() - 1);
+    return m_members[static_cast<size_t>(index)].slot.kind();
+}
+
+void Tm_struct::member_accept(int index, Tm_visitor& visitor) const {
+    if (index < 0 || index >= get_member_count()) throw Tm_out_of_range_exception(index, 0, get_member_count() - 1);
+    m_members[static_cast<size_t>(index)].slot.accept(visitor);
+}
+
+void Tm_struct::append(std::string name, Slot slot) { m_members.push_back(Member{std::move(name), std::move(slot)}); }
+
+const Slot& Tm_struct::typed(const std::string& name, TMV kind) const {
+    const int i = get_member_index(name);
+    if (i < 0) throw Tm_exception("no member named '" + name + "'");
+    const Slot& s = m_members[static_cast<size_t>(i)].slot;
+    if (s.kind() != kind) throw Tm_type_mismatch_exception(s.kind(), kind);
+    return s;
+}
+
+void Tm_struct::add_member(const std::string& name, bool v) { append(name, Slot::of_bool(v)); }
+void Tm_struct::add_member(const std::string& name, signed char v) { append(name, Slot::of_signed(TMV_INT8, v)); }
+void Tm_struct::add_member(const std::string& name, unsigned char v) { append(name, Slot::of_unsigned(TMV_UINT8, v)); }
+void Tm_struct::add_member(const std::string& name, short v) { append(name, Slot::of_signed(TMV_INT16, v)); }
+void Tm_struct::add_member(const std::string& name, unsigned short v) { append(name, Slot::of_unsigned(TMV_UINT16, v)); }
+void Tm_struct::add_member(const std::string& name, int v) { append(name, Slot::of_signed(TMV_INT32, v)); }
+void Tm_struct::add_member(const std::string& name, unsigned int v) { append(name, Slot::of_unsigned(TMV_UINT32, v)); }
+void Tm_struct::add_member(const std::string& name, long v) { append(name, Slot::of_signed(TMV_INT64, v)); }
+void Tm_struct::add_member(const std::string& name, unsigned long v) { append(name, Slot::of_unsigned(TMV_UINT64, v)); }
+void Tm_struct::add_member(const std::string& name, double v) { append(name, Slot::of_double(v)); }
+void Tm_struct::add_member(const std::string& name, const char* v) {
+    append(name, Slot::owning(new Tm_string(v ? v : "")));
+}
+void Tm_struct::add_member(const std::string& name, const std::string& v) { append(name, Slot::owning(new Tm_string(v))); }
+void Tm_struct::add_member(const std::string& name, const unsigned char* data, unsigned int size) {
+    if (!data && size) throw Tm_exception("null binary data");
+    append(name, Slot::owning(new Tm_binary(data, size)));
+}
+void Tm_struct::add_member(const std::string& name, const Tm_value* v) {
+    if (!v) throw Tm_exception("null value for member '" + name + "'");
+    append(name, Slot::owning(v->clone()));
+}
+void Tm_struct::add_member_and_own(const std::string& name, Tm_value* v, Tm_catalog<std::string>* catalog) {
+    Slot slot = Slot::owning(v);  // owns (or has deleted) v from here on
+    if (catalog) catalog->add(name);
+    append(name, std::move(slot));
+}
+
+bool Tm_struct::get_member_bool(const std::string& n) const { return typed(n, TMV_BOOL).as_bool(); }
+signed char Tm_struct::get_member_int8(const std::string& n) const {
+    return static_cast<signed char>(typed(n, TMV_INT8).as_signed());
+}
+unsigned char Tm_struct::get_member_uint8(const std::string& n) const {
+    return static_cast<unsigned char>(typed(n, TMV_UINT8).as_unsigned());
+}
+short Tm_struct::get_member_int16(const std::string& n) const { return static_cast<short>(typed(n, TMV_INT16).as_signed()); }
+unsigned short Tm_struct::get_member_uint16(const std::string& n) const {
+    return static_cast<unsigned short>(typed(n, TMV_UINT16).as_unsigned());
+}
+int Tm_struct::get_member_int32(const std::string& n) const { return static_cast<int>(typed(n, TMV_INT32).as_signed()); }
+unsigned int Tm_struct::get_member_uint32(const std::string& n) const {
+    return static_cast<unsigned int>(typed(n, TMV_UINT32).as_unsigned());
+}
+long Tm_struct::get_member_int64(const std::string& n) const { return typed(n, TMV_INT64).as_signed(); }
+unsigned long Tm_struct::get_member_uint64(const std::string& n) const { return typed(n, TMV_UINT64).as_unsigned(); }
+double Tm_struct::get_member_double(const std::string& n) const { return typed(n, TMV_DOUBLE).as_double(); }
+const std::string& Tm_struct::get_member_string(const std::string& n) const {
+    return static_cast<const Tm_string*>(typed(n, TMV_STRING).value())->get();
+}
+const Tm_struct* Tm_struct::get_member_struct(const std::string& n) const {
+    return static_cast<const Tm_struct*>(typed(n, TMV_STRUCT).value());
+}
+const Tm_array* Tm_struct::get_member_array(const std::string& n) const {
+    return static_cast<const Tm_array*>(typed(n, TMV_ARRAY).value());
+}
+const Tm_binary* Tm_struct::get_member_binary(const std::string& n) const {
+    return static_cast<const Tm_binary*>(typed(n, TMV_BINARY).value());
+}
+const Tm_date* Tm_struct::get_member_date(const std::string& n) const {
+    return static_cast<const Tm_date*>(typed(n, TMV_DATE).value());
+}
+const Tm_file* Tm_struct::get_member_file(const std::string& n) const {
+    return static_cast<const Tm_file*>(typed(n, TMV_FILE).value());
+}
+const Message* Tm_struct::get_member_message(const std::string& n) const {
+    return &static_cast<const Tm_message*>(typed(n, TMV_MESSAGE).value())->get();
+}
+
+// --- Tm_prenamed_struct --------------------------------------------------------------------
+
+Tm_value* Tm_prenamed_struct::clone() const { return new Tm_prenamed_struct(*this); }
+
+void Tm_prenamed_struct::clear(const char* const* names) {
+    Tm_struct::clear();
+    m_names = names;
+    m_namesCount = 0;
+    while (names && names[m_namesCount]) ++m_namesCount;
+}
+
+const char* Tm_prenamed_struct::name_at(int index, Tm_catalog<std::string>* catalog) const {
+    if (index < 0 || index >= m_namesCount) throw Tm_out_of_range_exception(index, 0, m_namesCount - 1);
+    const char* name = m_names[index];
+    if (catalog) catalog->add(name);
+    return name;
+}
+
+void Tm_prenamed_struct::add_member(int i, bool v, Tm_catalog<std::string>* c) { append(name_at(i, c), Slot::of_bool(v)); }
+void Tm_prenamed_struct::add_member(int i, signed char v, Tm_catalog<std::string>* c) {
+    append(name_at(i, c), Slot::of_signed(TMV_INT8, v));
+}
+void Tm_prenamed_struct::add_member(int i, unsigned char v, Tm_catalog<std::string>* c) {
+    append(name_at(i, c), Slot::of_unsigned(TMV_UINT8, v));
+}
+void Tm_prenamed_struct::add_member(int i, short v, Tm_catalog<std::string>* c) {
+    append(name_at(i, c), Slot::of_signed(TMV_INT16, v));
+}
+void Tm_prenamed_struct::add_member(int i, unsigned short v, Tm_catalog<std::string>* c) {
+    append(name_at(i, c), Slot::of_unsigned(TMV_UINT16, v));
+}
+void Tm_prenamed_struct::add_member(int i, int v, Tm_catalog<std::string>* c) {
+    append(name_at(i, c), Slot::of_signed(TMV_INT32, v));
+}
+void Tm_prenamed_struct::add_member(int i, unsigned int v, Tm_catalog<std::string>* c) {
+    append(name_at(i, c), Slot::of_unsigned(TMV_UINT32, v));
+}
+void Tm_prenamed_struct::add_member(int i, long v, Tm_catalog<std::string>* c) {
+    append(name_at(i, c), Slot::of_signed(TMV_INT64, v));
+}
+void Tm_prenamed_struct::add_member(int i, unsigned long v, Tm_catalog<std::string>* c) {
+    append(name_at(i, c), Slot::of_unsigned(TMV_UINT64, v));
+}
+void Tm_prenamed_struct::add_member(int i, double v, Tm_catalog<std::string>* c) {
+    append(name_at(i, c), Slot::of_double(v));
+}
+void Tm_prenamed_struct::add_member(int i, const char* v, Tm_catalog<std::string>* c) {
+    const char* name = name_at(i, c);
+    append(name, Slot::owning(new Tm_string(v ? v : "")));
+}
+void Tm_prenamed_struct::add_member(int i, const std::string& v, Tm_catalog<std::string>* c) {
+    const char* name = name_at(i, c);
+    append(name, Slot::owning(new Tm_string(v)));
+}
+void Tm_prenamed_struct::add_member_and_own(int i, Tm_value* v, Tm_catalog<std::string>* c) {
+    Slot slot = Slot::owning(v);
+    append(name_at(i, c), std::move(slot));
+}

@@ -1,0 +1,137 @@
+// Structs: ordered, named members.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/Tm_catalog.h"
+#include "platform/Tm_slot.h"
+#include "platform/Tm_value.h"
+
+// Common base of the values that hold members (structs and arrays).
+class Tm_value_container : public Tm_value {
+protected:
+    using Tm_value::Tm_value;
+};
+
+// A struct: members in the order they were added, each with a name. Names need not be
+// unique; look-ups by name find the first member of that name.
+//
+// Getters by name throw Tm_exception ("no member named 'x'") when the member is absent and
+// Tm_type_mismatch_exception(found, wanted) when it has another kind. Scalars are read
+// with the getter of exactly their kind; no widening.
+class Tm_struct : public Tm_value_container {
+public:
+    Tm_struct();
+    Tm_struct(const Tm_struct& other);
+    Tm_struct& operator=(const Tm_struct& other);
+    Tm_struct(Tm_struct&&) noexcept;
+    Tm_struct& operator=(Tm_struct&&) noexcept;
+    ~Tm_struct() override;
+
+    Tm_value* clone() const override;
+    bool equals(const Tm_value& other) const override;
+    void accept(Tm_visitor& visitor) const override;
+
+    // Removes every member.
+    virtual void clear();
+
+    int get_member_count() const { return static_cast<int>(m_members.size()); }
+    // Index of the first member called `name`, or -1.
+    int get_member_index(const std::string& name) const;
+    // Name and kind of the member at `index`; Tm_out_of_range_exception outside the members.
+    const std::string& get_member_name(int index) const;
+    TMV get_member_value_type(int index) const;
+    // Visits the member at `index` alone (no name).
+    void member_accept(int index, Tm_visitor& visitor) const;
+
+    void add_member(const std::string& name, bool v);
+    void add_member(const std::string& name, signed char v);
+    void add_member(const std::string& name, unsigned char v);
+    void add_member(const std::string& name, short v);
+    void add_member(const std::string& name, unsigned short v);
+    void add_member(const std::string& name, int v);
+    void add_member(const std::string& name, unsigned int v);
+    void add_member(const std::string& name, long v);
+    void add_member(const std::string& name, unsigned long v);
+    void add_member(const std::string& name, double v);
+    void add_member(const std::string& name, const char* v);
+    void add_member(const std::string& name, const std::string& v);
+    // A binary member holding `size` bytes from `data`.
+    void add_member(const std::string& name, const unsigned char* data, unsigned int size);
+    // A copy of `v` (null: Tm_exception).
+    void add_member(const std::string& name, const Tm_value* v);
+    // Takes ownership of `v` (null: Tm_exception); `v` is deleted on every failure path.
+    // When `catalog` is given, the name is also interned there.
+    void add_member_and_own(const std::string& name, Tm_value* v, Tm_catalog<std::string>* catalog = nullptr);
+
+    bool get_member_bool(const std::string& name) const;
+    signed char get_member_int8(const std::string& name) const;
+    unsigned char get_member_uint8(const std::string& name) const;
+    short get_member_int16(const std::string& name) const;
+    unsigned short get_member_uint16(const std::string& name) const;
+    int get_member_int32(const std::string& name) const;
+    unsigned int get_member_uint32(const std::string& name) const;
+    long get_member_int64(const std::string& name) const;
+    unsigned long get_member_uint64(const std::string& name) const;
+    double get_member_double(const std::string& name) const;
+    const std::string& get_member_string(const std::string& name) const;
+    const Tm_struct* get_member_struct(const std::string& name) const;
+    const Tm_array* get_member_array(const std::string& name) const;
+    const Tm_binary* get_member_binary(const std::string& name) const;
+    const Tm_date* get_member_date(const std::string& name) const;
+    const Tm_file* get_member_file(const std::string& name) const;
+    const Message* get_member_message(const std::string& name) const;
+
+protected:
+    void append(std::string name, tm_detail::Slot slot);
+    const tm_detail::Slot& typed(const std::string& name, TMV kind) const;
+
+private:
+    struct Member {
+        std::string name;
+        tm_detail::Slot slot;
+    };
+    std::vector<Member> m_members;
+};
+
+// A struct whose member names come from a static, null-terminated names table: clear(names)
+// installs the table, then members are added by their index in it. The catalog given with
+// each member interns the name (normally the message's send catalog) so that the encoder's
+// name table holds it once.
+class Tm_prenamed_struct : public Tm_struct {
+public:
+    using Tm_struct::add_member;
+    using Tm_struct::add_member_and_own;
+    using Tm_struct::clear;
+
+    Tm_prenamed_struct() = default;
+    Tm_value* clone() const override;
+
+    // Removes every member and installs `names` (may be null: no names).
+    void clear(const char* const* names);
+    int get_names_count() const { return m_namesCount; }
+
+    // Adds a member named names[index]. An index outside the table throws
+    // Tm_out_of_range_exception(index, 0, count - 1) and adds nothing.
+    void add_member(int index, bool v, Tm_catalog<std::string>* catalog);
+    void add_member(int index, signed char v, Tm_catalog<std::string>* catalog);
+    void add_member(int index, unsigned char v, Tm_catalog<std::string>* catalog);
+    void add_member(int index, short v, Tm_catalog<std::string>* catalog);
+    void add_member(int index, unsigned short v, Tm_catalog<std::string>* catalog);
+    void add_member(int index, int v, Tm_catalog<std::string>* catalog);
+    void add_member(int index, unsigned int v, Tm_catalog<std::string>* catalog);
+    void add_member(int index, long v, Tm_catalog<std::string>* catalog);
+    void add_member(int index, unsigned long v, Tm_catalog<std::string>* catalog);
+    void add_member(int index, double v, Tm_catalog<std::string>* catalog);
+    void add_member(int index, const char* v, Tm_catalog<std::string>* catalog);
+    void add_member(int index, const std::string& v, Tm_catalog<std::string>* catalog);
+    // Takes ownership of `v`; it is deleted on every failure path.
+    void add_member_and_own(int index, Tm_value* v, Tm_catalog<std::string>* catalog);
+
+private:
+    const char* name_at(int index, Tm_catalog<std::string>* catalog) const;
+    const char* const* m_names = nullptr;
+    int m_namesCount = 0;
+};
