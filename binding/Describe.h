@@ -1,0 +1,154 @@
+// Declarative descriptions of interface records.
+//
+// Every record is a plain struct whose fields are declared in wire order. Beside it, a
+// `describe` function found by argument-dependent lookup lists its wire members once:
+//
+//     struct modLinkDesc_s {
+//         uint32_t modIndex = 0;
+//         std::vector<uint32_t> childModIndex;
+//     };
+//     constexpr auto describe(const modLinkDesc_s*) {
+//         using R = modLinkDesc_s;
+//         return binding::record<R>(binding::field("modIndex", &R::modIndex),
+//                                   binding::field("childModIndex", &R::childModIndex));
+//     }
+//
+// The field's C++ type decides its wire kind (see RecordCodec.h); markers cover the rest:
+//   enum_string(name, &R::m, map)   enum (or vector of enums) travelling as its name
+//   enum_int<W>(name, &R::m)        enum travelling as an integer of type W
+//   bounded<N>(name, &R::m)         vector of at most N elements; a longer one ends the
+//                                   outgoing struct before this member, silently
+// A choice record (a selector and one alternative per enumerator, only the selected one on
+// the wire) is described with choice(&R::selector, alternative(value, field...), ...).
+//
+// record<R>() checks at compile time that every field of the aggregate is described.
+#pragma once
+
+#include <cstddef>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+#include "platform/tm_enum_map.h"
+
+namespace binding {
+
+// Wire forms a field can take besides the one its type implies.
+struct Natural {};
+struct EnumString {
+    const tm_enum_map* map;
+};
+template <class W>
+struct EnumInt {};
+template <std::size_t N>
+struct Bounded {};
+
+template <class R, class T, class Form = Natural>
+struct Field {
+    using record_type = R;
+    using value_type = T;
+    using form_type = Form;
+    const char* name;
+    T R::*member;
+    Form form;
+};
+
+template <class R, class T>
+constexpr Field<R, T> field(const char* name, T R::*member) {
+    return {name, member, Natural{}};
+}
+template <class R, class T>
+constexpr Field<R, T, EnumString> enum_string(const char* name, T R::*member, const tm_enum_map* map) {
+    return {name, member, EnumString{map}};
+}
+template <class W, class R, class T>
+constexpr Field<R, T, EnumInt<W>> enum_int(const char* name, T R::*member) {
+    return {name, member, EnumInt<W>{}};
+}
+template <std::size_t N, class R, class T>
+constexpr Field<R, T, Bounded<N>> bounded(const char* name, T R::*member) {
+    return {name, member, Bounded<N>{}};
+}
+
+// --- aggregate member counting ----------------------------------------------------------
+
+namespace detail {
+
+struct AnyField {
+    template <class T>
+    constexpr operator T() const;  // never defined: only used in unevaluated contexts
+};
+
+template <class T, class Seq, class = void>
+struct BraceConstructible : std::false_type {};
+template <class T, std::size_t... I>
+struct BraceConstructible<T, std::index_sequence<I...>,
+                          std::void_t<decltype(T{(static_cast<void>(I), AnyField{})...})>> : std::true_type {};
+
+template <class T, std::size_t N = 0, bool More = BraceConstructible<T, std::make_index_sequence<N + 1>>::value>
+struct FieldCount : std::integral_constant<std::size_t, N> {};
+template <class T, std::size_t N>
+struct FieldCount<T, N, true> : FieldCount<T, N + 1> {};
+
+}  // namespace detail
+
+// Number of fields of an aggregate.
+template <class T>
+constexpr std::size_t field_count = detail::FieldCount<T>::value;
+
+// --- records and choices ------------------------------------------------------------------
+
+template <class R, class... F>
+struct Record {
+    using record_type = R;
+    static constexpr bool is_choice = false;
+    std::tuple<F...> fields;
+};
+
+template <class R, class... F>
+constexpr Record<R, F...> record(F... fields) {
+    static_assert(sizeof...(F) == field_count<R>, "every field of the record must be described, in order");
+    static_assert((std::is_same_v<typename F::record_type, R> && ...), "fields of another record");
+    return {std::tuple<F...>(fields...)};
+}
+
+template <class E, class F>
+struct Alternative {
+    E value;
+    F field;
+};
+
+template <class E, class R, class T, class Form>
+constexpr Alternative<E, Field<R, T, Form>> alternative(E value, Field<R, T, Form> f) {
+    return {value, f};
+}
+
+template <class R, class E, class... A>
+struct Choice {
+    using record_type = R;
+    using selector_type = E;
+    static constexpr bool is_choice = true;
+    E R::*selector;
+    std::tuple<A...> alternatives;
+};
+
+template <class R, class E, class... A>
+constexpr Choice<R, E, A...> choice(E R::*selector, A... alternatives) {
+    static_assert(sizeof...(A) + 1 == field_count<R>, "a choice holds its selector and every alternative");
+    return {selector, std::tuple<A...>(alternatives...)};
+}
+
+// The description of record type R, found by argument-dependent lookup.
+template <class R>
+constexpr auto description() {
+    return describe(static_cast<const R*>(nullptr));
+}
+
+template <class R, class = void>
+struct IsRecord : std::false_type {};
+template <class R>
+struct IsRecord<R, std::void_t<decltype(describe(static_cast<const R*>(nullptr)))>> : std::true_type {};
+template <class R>
+constexpr bool is_record = IsRecord<R>::value;
+
+}  // namespace binding

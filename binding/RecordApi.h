@@ -1,0 +1,59 @@
+// Declarations that every described record gets: its names table, its two converters and
+// equality. The definitions come from the generic converter (RecordCodec.h) in the module's
+// source, through the matching *_IMPL macro.
+#pragma once
+
+#include <string>
+
+#include "binding/Describe.h"
+#include "platform/Message.h"
+#include "platform/Tm_catalog.h"
+#include "platform/Tm_struct.h"
+
+// For record `<rec>_s`: <rec>_t_names, <rec>_t_to_struct, <rec>_t_from_struct, ==, !=.
+#define VRM_RECORD_API(rec)                                                                          \
+    extern const char* const* const rec##_t_names;                                                   \
+    Tm_prenamed_struct* rec##_t_to_struct(Tm_prenamed_struct* target, const rec##_s* source, bool copy, \
+                                          Tm_catalog<std::string>* catalog);                         \
+    void rec##_t_from_struct(const Tm_struct* source, rec##_s* target);                              \
+    inline Tm_prenamed_struct* binding_to_struct(Tm_prenamed_struct* t, const rec##_s* s, bool c,    \
+                                                 Tm_catalog<std::string>* k) {                       \
+        return rec##_t_to_struct(t, s, c, k);                                                        \
+    }                                                                                                \
+    inline void binding_from_struct(const Tm_struct* s, rec##_s* t) { rec##_t_from_struct(s, t); }   \
+    bool operator==(const rec##_s& a, const rec##_s& b);                                             \
+    inline bool operator!=(const rec##_s& a, const rec##_s& b) { return !(a == b); }
+
+// For choice record `<rec>_t`: the same, over a plain Tm_struct.
+#define VRM_CHOICE_API(rec)                                                                              \
+    extern const char* const* const rec##_t_names;                                                       \
+    Tm_struct* rec##_t_to_struct(Tm_struct* target, const rec##_t* source, bool copy,                     \
+                                 Tm_catalog<std::string>* catalog);                                      \
+    void rec##_t_from_struct(const Tm_struct* source, rec##_t* target);                                  \
+    inline Tm_struct* binding_to_struct(Tm_struct* t, const rec##_t* s, bool c, Tm_catalog<std::string>* k) { \
+        return rec##_t_to_struct(t, s, c, k);                                                            \
+    }                                                                                                    \
+    inline void binding_from_struct(const Tm_struct* s, rec##_t* t) { rec##_t_from_struct(s, t); }       \
+    bool operator==(const rec##_t& a, const rec##_t& b);                                                 \
+    inline bool operator!=(const rec##_t& a, const rec##_t& b) { return !(a == b); }
+
+// Definitions, in the module's source (inside the module's namespace).
+#define VRM_RECORD_IMPL(rec)                                                                            \
+    const char* const* const rec##_t_names = binding::names<rec##_s>();                                 \
+    Tm_prenamed_struct* rec##_t_to_struct(Tm_prenamed_struct* target, const rec##_s* source, bool copy,  \
+                                          Tm_catalog<std::string>* catalog) {                           \
+        return binding::to_struct(target, *source, copy, catalog);                                      \
+    }                                                                                                   \
+    void rec##_t_from_struct(const Tm_struct* source, rec##_s* target) { binding::from_struct(source, *target); } \
+    bool operator==(const rec##_s& a, const rec##_s& b) { return binding::equal(a, b); }
+
+#define VRM_CHOICE_IMPL(rec)                                                                            \
+    const char* const* const rec##_t_names = binding::names<rec##_t>();                                 \
+    Tm_struct* rec##_t_to_struct(Tm_struct* target, const rec##_t* source, bool copy,                    \
+                                 Tm_catalog<std::string>* catalog) {                                    \
+        return binding::choice_to_struct(target, *source, copy, catalog);                               \
+    }                                                                                                   \
+    void rec##_t_from_struct(const Tm_struct* source, rec##_t* target) {                                 \
+        binding::choice_from_struct(source, *target);                                                   \
+    }                                                                                                   \
+    bool operator==(const rec##_t& a, const rec##_t& b) { return binding::equal(a, b); }

@@ -1,0 +1,380 @@
+// The one generic converter between described records and typed-message structs.
+//
+// Included by the interface sources (and tests) only: the record headers need just
+// Describe.h and the declarations of RecordApi.h.
+//
+// Wire kind by field type (Natural form):
+//   bool, signed char, unsigned char, short, unsigned short, int, unsigned int, long,
+//   unsigned long, double       the scalar of that kind
+//   std::string                 string
+//   a described record          struct, filled by the record's own converter (a choice
+//                               record as a plain struct holding the selected alternative)
+//   std::vector<scalar>         backed array over the vector (copy flag: owning copy or view)
+//   std::vector<std::string>    array of strings
+//   std::vector<record>         array of structs, sized up front
+//   std::vector<std::vector<unsigned char>>   array of binaries
+//   std::array<unsigned char, N>               backed uint8 array of exactly N elements
+// Reading mirrors writing: members are looked up by name with the getter of their kind,
+// vectors are cleared, reserved to the array's count and filled in order.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "binding/Describe.h"
+#include "binding/Tm_backed_array.h"
+#include "platform/Message.h"
+#include "platform/Tm_array.h"
+#include "platform/Tm_struct.h"
+#include "platform/tm_enum_map.h"
+
+namespace binding {
+
+using Catalog = Tm_catalog<std::string>;
+
+// --- kinds of C++ types --------------------------------------------------------------------
+
+template <class T>
+struct ScalarKind;
+#define BINDING_SCALAR(T, K, GET)                                                        \
+    template <>                                                                          \
+    struct ScalarKind<T> {                                                               \
+        static constexpr TMV kind = K;                                                   \
+        static T from(const Tm_struct* s, const std::string& n) { return s->GET(n); }    \
+        static T at(const Tm_array* a, int i) { return a->GET(i); }                      \
+    };
+BINDING_SCALAR(bool, TMV_BOOL, get_member_bool)
+BINDING_SCALAR(signed char, TMV_INT8, get_member_int8)
+BINDING_SCALAR(unsigned char, TMV_UINT8, get_member_uint8)
+BINDING_SCALAR(short, TMV_INT16, get_member_int16)
+BINDING_SCALAR(unsigned short, TMV_UINT16, get_member_uint16)
+BINDING_SCALAR(int, TMV_INT32, get_member_int32)
+BINDING_SCALAR(unsigned int, TMV_UINT32, get_member_uint32)
+BINDING_SCALAR(long, TMV_INT64, get_member_int64)
+BINDING_SCALAR(unsigned long, TMV_UINT64, get_member_uint64)
+BINDING_SCALAR(double, TMV_DOUBLE, get_member_double)
+#undef BINDING_SCALAR
+
+template <class T, class = void>
+struct IsScalar : std::false_type {};
+template <class T>
+struct IsScalar<T, std::void_t<decltype(ScalarKind<T>::kind)>> : std::true_type {};
+template <class T>
+constexpr bool is_scalar = IsScalar<T>::value;
+
+template <class T>
+struct IsVector : std::false_type {};
+template <class U, class A>
+struct IsVector<std::vector<U, A>> : std::true_type {};
+
+template <class T>
+struct IsByteArray : std::false_type {};
+template <std::size_t N>
+struct IsByteArray<std::array<unsigned char, N>> : std::true_type {};
+
+template <class T>
+constexpr bool always_false = false;
+
+// --- sinks: where one member is written -------------------------------------------------
+
+// A member of a prenamed struct, by its index in the names table.
+struct PrenamedSink {
+    Tm_prenamed_struct* target;
+    int index;
+    Catalog* catalog;
+    template <class V>
+    void put(V v) const { target->add_member(index, v, catalog); }
+    void put(const std::string& v) const { target->add_member(index, v, catalog); }
+    void own(Tm_value* v) const { target->add_member_and_own(index, v, catalog); }
+};
+
+// A member of a plain struct, by name (choice records).
+struct NamedSink {
+    Tm_struct* target;
+    const char* name;
+    Catalog* catalog;
+    template <class V>
+    void put(V v) const { target->add_member(name, v); }
+    void put(const std::string& v) const { target->add_member(name, v); }
+    void own(Tm_value* v) const { target->add_member_and_own(name, v, catalog); }
+};
+
+// A member of the send group of a message (request arguments).
+struct MessageSink {
+    Message* message;
+    const char* name;
+    template <class V>
+    void put(V v) const { message->add_member(TMG_SEND, name, v); }
+    void put(const std::string& v) const { message->add_member(TMG_SEND, name, v); }
+    void own(Tm_value* v) const { message->add_member_and_own(TMG_SEND, name, v); }
+};
+
+// --- values ------------------------------------------------------------------------------
+
+// A uint8 array over exactly `n` bytes: an owning copy or a view.
+inline Tm_array* make_byte_array(const unsigned char* data, int n, bool copy) {
+    if (copy) return new Tm_copy_backed_array<unsigned char, const unsigned char*>(data, n, TMV_UINT8);
+    return new Tm_backed_array<const unsigned char*>(data, n, TMV_UINT8);
+}
+
+template <class R>
+Tm_value* make_record_value(const R& rec, bool copy, Catalog* catalog) {
+    if constexpr (decltype(description<R>())::is_choice) {
+        auto s = std::make_unique<Tm_struct>();
+        binding_to_struct(s.get(), &rec, copy, catalog);
+        return s.release();
+    } else {
+        auto s = std::make_unique<Tm_prenamed_struct>();
+        binding_to_struct(s.get(), &rec, copy, catalog);
+        return s.release();
+    }
+}
+
+// A new value for a non-scalar field of natural form.
+template <class T>
+Tm_value* make_value(const T& v, bool copy, Catalog* catalog) {
+    if constexpr (is_record<T>) {
+        return make_record_value(v, copy, catalog);
+    } else if constexpr (IsByteArray<T>::value) {
+        return make_byte_array(v.data(), static_cast<int>(v.size()), copy);
+    } else if constexpr (IsVector<T>::value) {
+        using U = typename T::value_type;
+        if constexpr (is_scalar<U>) {
+            return ::make_scalar_array(v, copy);
+        } else {
+            auto a = std::make_unique<Tm_array>();
+            a->reserve(static_cast<int>(v.size()));
+            for (const U& e : v) {
+                if constexpr (std::is_same_v<U, std::string>) {
+                    a->add_member(e);
+                } else if constexpr (std::is_same_v<U, std::vector<unsigned char>>) {
+                    a->add_member(e.data(), static_cast<unsigned int>(e.size()));
+                } else if constexpr (is_record<U>) {
+                    a->add_member_and_own(make_record_value(e, copy, catalog));
+                } else {
+                    static_assert(always_false<U>, "no wire form for this element type");
+                }
+            }
+            return a.release();
+        }
+    } else {
+        static_assert(always_false<T>, "no wire form for this field type; add a marker");
+    }
+}
+
+// Writes one field; false when a bounded vector is too long (the struct ends there).
+template <class Sink, class T>
+bool write(const Sink& sink, const T& v, Natural, bool copy, Catalog* catalog) {
+    if constexpr (is_scalar<T> || std::is_same_v<T, std::string>) {
+        sink.put(v);
+    } else {
+        sink.own(make_value(v, copy, catalog));
+    }
+    return true;
+}
+
+template <class Sink, class T, std::size_t N>
+bool write(const Sink& sink, const T& v, Bounded<N>, bool copy, Catalog* catalog) {
+    static_assert(IsVector<T>::value, "only vectors are bounded");
+    if (v.size() > N) return false;
+    return write(sink, v, Natural{}, copy, catalog);
+}
+
+template <class Sink, class T, class W>
+bool write(const Sink& sink, const T& v, EnumInt<W>, bool, Catalog*) {
+    static_assert(std::is_enum_v<T>, "enum_int is for enum fields");
+    sink.put(static_cast<W>(v));
+    return true;
+}
+
+template <class Sink, class T>
+bool write(const Sink& sink, const T& v, EnumString form, bool, Catalog*) {
+    if constexpr (std::is_enum_v<T>) {
+        sink.put(tms_enum_to_string(static_cast<int>(v), form.map));
+    } else {
+        static_assert(IsVector<T>::value && std::is_enum_v<typename T::value_type>, "enum_string needs enums");
+        auto a = std::make_unique<Tm_array>();
+        a->reserve(static_cast<int>(v.size()));
+        for (auto e : v) a->add_member(tms_enum_to_string(static_cast<int>(e), form.map));
+        sink.own(a.release());
+    }
+    return true;
+}
+
+// --- reading ------------------------------------------------------------------------------
+
+template <class T>
+void read_element(const Tm_array* a, int i, T& out) {
+    if constexpr (is_scalar<T>) {
+        out = ScalarKind<T>::at(a, i);
+    } else if constexpr (std::is_same_v<T, std::string>) {
+        out = a->get_member_string(i);
+    } else if constexpr (std::is_same_v<T, std::vector<unsigned char>>) {
+        const Tm_binary* b = a->get_member_binary(i);
+        out.assign(b->data(), b->data() + b->size());
+    } else if constexpr (is_record<T>) {
+        binding_from_struct(a->get_member_struct(i), &out);
+    } else {
+        static_assert(always_false<T>, "no wire form for this element type");
+    }
+}
+
+template <class T>
+void read_vector(const Tm_array* a, std::vector<T>& out) {
+    const int n = a->get_member_count();
+    out.clear();
+    out.reserve(static_cast<std::size_t>(n));
+    for (int i = 0; i < n; ++i) {
+        T e{};
+        read_element(a, i, e);
+        out.push_back(std::move(e));
+    }
+}
+
+template <class T>
+void read(const Tm_struct* s, const char* name, T& out, Natural) {
+    if constexpr (is_scalar<T>) {
+        out = ScalarKind<T>::from(s, name);
+    } else if constexpr (std::is_same_v<T, std::string>) {
+        out = s->get_member_string(name);
+    } else if constexpr (is_record<T>) {
+        binding_from_struct(s->get_member_struct(name), &out);
+    } else if constexpr (IsByteArray<T>::value) {
+        // Exactly N bytes: a shorter array leaves the rest zero, a longer one is cut.
+        const Tm_array* a = s->get_member_array(name);
+        const int n = a->get_member_count();
+        out.fill(0);
+        for (int i = 0; i < n && i < static_cast<int>(out.size()); ++i) out[static_cast<std::size_t>(i)] = a->get_member_uint8(i);
+    } else if constexpr (IsVector<T>::value) {
+        read_vector(s->get_member_array(name), out);
+    } else {
+        static_assert(always_false<T>, "no wire form for this field type; add a marker");
+    }
+}
+
+template <class T, std::size_t N>
+void read(const Tm_struct* s, const char* name, T& out, Bounded<N>) {
+    read(s, name, out, Natural{});
+}
+
+template <class T, class W>
+void read(const Tm_struct* s, const char* name, T& out, EnumInt<W>) {
+    out = static_cast<T>(ScalarKind<W>::from(s, name));
+}
+
+template <class T>
+void read(const Tm_struct* s, const char* name, T& out, EnumString form) {
+    if constexpr (std::is_enum_v<T>) {
+        out = static_cast<T>(tms_string_to_enum(s->get_member_string(name), form.map));
+    } else {
+        using E = typename T::value_type;
+        const Tm_array* a = s->get_member_array(name);
+        const int n = a->get_member_count();
+        out.clear();
+        out.reserve(static_cast<std::size_t>(n));
+        for (int i = 0; i < n; ++i) out.push_back(static_cast<E>(tms_string_to_enum(a->get_member_string(i), form.map)));
+    }
+}
+
+// --- records ------------------------------------------------------------------------------
+
+template <class R>
+struct Names {
+    static constexpr auto desc = description<R>();
+    template <class Tuple, std::size_t... I>
+    static constexpr auto make(const Tuple& t, std::index_sequence<I...>) {
+        if constexpr (decltype(desc)::is_choice) {
+            return std::array<const char*, sizeof...(I) + 1>{std::get<I>(t).field.name..., nullptr};
+        } else {
+            return std::array<const char*, sizeof...(I) + 1>{std::get<I>(t).name..., nullptr};
+        }
+    }
+    static constexpr auto& items() {
+        if constexpr (decltype(desc)::is_choice) return desc.alternatives;
+        else return desc.fields;
+    }
+    static constexpr std::size_t count = std::tuple_size_v<std::decay_t<decltype(items())>>;
+    static constexpr std::array<const char*, count + 1> table = make(items(), std::make_index_sequence<count>{});
+};
+
+// The null-terminated names table of a record (a choice record: its alternatives' names).
+template <class R>
+constexpr const char* const* names() {
+    return Names<R>::table.data();
+}
+
+template <class R, class Fields, std::size_t... I>
+void write_fields(Tm_prenamed_struct* t, const R& rec, bool copy, Catalog* c, const Fields& f,
+                  std::index_sequence<I...>) {
+    bool go = true;
+    ((go = go && write(PrenamedSink{t, static_cast<int>(I), c}, rec.*(std::get<I>(f).member), std::get<I>(f).form,
+                       copy, c)),
+     ...);
+}
+
+template <class R>
+Tm_prenamed_struct* to_struct(Tm_prenamed_struct* target, const R& rec, bool copy, Catalog* catalog) {
+    constexpr auto d = description<R>();
+    target->clear(names<R>());
+    write_fields(target, rec, copy, catalog, d.fields, std::make_index_sequence<Names<R>::count>{});
+    return target;
+}
+
+template <class R>
+void from_struct(const Tm_struct* source, R& rec) {
+    constexpr auto d = description<R>();
+    std::apply([&](const auto&... f) { (read(source, f.name, rec.*(f.member), f.form), ...); }, d.fields);
+}
+
+// A choice record: only the selected alternative, as a member named after it; a selector
+// outside the alternatives leaves the struct empty.
+template <class R>
+Tm_struct* choice_to_struct(Tm_struct* target, const R& rec, bool copy, Catalog* catalog) {
+    constexpr auto d = description<R>();
+    target->clear();
+    std::apply(
+        [&](const auto&... a) {
+            ((rec.*(d.selector) == a.value &&
+              write(NamedSink{target, a.field.name, catalog}, rec.*(a.field.member), a.field.form, copy, catalog)) ||
+             ...);
+        },
+        d.alternatives);
+    return target;
+}
+
+// Reads the first alternative present (in enumerator order) and selects it; with none
+// present the record is left as it was.
+template <class R>
+void choice_from_struct(const Tm_struct* source, R& rec) {
+    constexpr auto d = description<R>();
+    std::apply(
+        [&](const auto&... a) {
+            ((source->get_member_index(a.field.name) != -1 &&
+              (read(source, a.field.name, rec.*(a.field.member), a.field.form), rec.*(d.selector) = a.value, true)) ||
+             ...);
+        },
+        d.alternatives);
+}
+
+// Field-wise equality (a choice record: same selector and same selected alternative).
+template <class R>
+bool equal(const R& a, const R& b) {
+    constexpr auto d = description<R>();
+    if constexpr (decltype(d)::is_choice) {
+        if (!(a.*(d.selector) == b.*(d.selector))) return false;
+        bool same = true;
+        std::apply(
+            [&](const auto&... alt) {
+                ((a.*(d.selector) == alt.value && (same = (a.*(alt.field.member) == b.*(alt.field.member)), true)) || ...);
+            },
+            d.alternatives);
+        return same;
+    } else {
+        return std::apply([&](const auto&... f) { return ((a.*(f.member) == b.*(f.member)) && ...); }, d.fields);
+    }
+}
+
+}  // namespace binding
