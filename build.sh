@@ -26,8 +26,9 @@ install_missing() {
 
 build() {
     local preset=$1
+    shift
     cmake --preset "$preset" >/dev/null
-    cmake --build --preset "$preset" -j "$(nproc)"
+    cmake --build --preset "$preset" -j "$(nproc)" "$@"
 }
 
 job=${1:-test}
@@ -46,7 +47,7 @@ case "$job" in
         ctest --preset asan
         ;;
     fuzz)
-        build fuzz
+        build fuzz --target fuzz_decode
         seconds=${2:-60}
         mkdir -p build/fuzz/corpus
         build/fuzz/fuzz/fuzz_decode -max_total_time="$seconds" -rss_limit_mb=2048 -malloc_limit_mb=512 \
