@@ -10,8 +10,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Message m;
     try {
-        tm::decode(data, size, m);
-        (void)tm::to_json(m);
+        tmsg::decode(data, size, m);
+        (void)tmsg::to_json(m);
     } catch (const Tm_exception&) {
     }
     return 0;

@@ -1,0 +1,668 @@
+#include "platform/Tm_codec.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+#include "platform/Tm_exception.h"
+
+namespace tmsg {
+namespace {
+
+constexpr unsigned char kMagic0 = 'T';
+constexpr unsigned char kMagic1 = 'M';
+// Element tag of an array whose items have different kinds; each item then carries its tag.
+constexpr unsigned char kMixed = 0xFF;
+constexpr int kMaxVarintBytes = 10;
+
+// Smallest encoded payload of each kind; used to refuse counts the input cannot hold
+// before anything is reserved.
+constexpr std::size_t kMinPayload[TMV_LAST + 1] = {
+    1,  // int8
+    1,  // uint8
+    2,  // int16
+    2,  // uint16
+    4,  // int32
+    4,  // uint32
+    8,  // int64
+    8,  // uint64
+    8,  // double
+    1,  // bool
+    1,  // string: length
+    1,  // struct: member count
+    2,  // array: count, element tag
+    1,  // binary: length
+    8,  // date
+    2,  // file: name length, content length
+    4,  // message: kind, name length, two member counts
+};
+// A struct member: name index, tag and at least one payload byte.
+constexpr std::size_t kMinMember = 3;
+// An item of a mixed array: tag and at least one payload byte.
+constexpr std::size_t kMinMixedItem = 2;
+
+std::string kind_text(int kind) { return std::string(tmv_name(kind)) + " (" + std::to_string(kind) + ")"; }
+
+// --- encoding ------------------------------------------------------------------------------
+
+// Appends to a byte vector through a raw cursor; the vector is grown geometrically and cut
+// to the written length by finish().
+class Writer {
+  public:
+    explicit Writer(std::vector<unsigned char>& out)
+        : m_out(out), m_base(out.data()), m_len(out.size()), m_cap(out.size()) {}
+
+    void ensure(std::size_t n) {
+        if (m_cap - m_len < n) grow(n);
+    }
+    void u8(unsigned int v) {
+        ensure(1);
+        m_base[m_len++] = static_cast<unsigned char>(v);
+    }
+    template <int N>
+    void fixed(std::uint64_t v) {
+        ensure(N);
+        unsigned char* p = m_base + m_len;
+        for (int i = 0; i < N; ++i) p[i] = static_cast<unsigned char>(v >> (8 * i));
+        m_len += N;
+    }
+    void varint(std::uint64_t v) {
+        ensure(kMaxVarintBytes);
+        unsigned char* p = m_base + m_len;
+        while (v >= 0x80) {
+            *p++ = static_cast<unsigned char>(v | 0x80);
+            v >>= 7;
+        }
+        *p++ = static_cast<unsigned char>(v);
+        m_len = static_cast<std::size_t>(p - m_base);
+    }
+    void bytes(const void* data, std::size_t size) {
+        varint(size);
+        if (size == 0) return;
+        ensure(size);
+        std::memcpy(m_base + m_len, data, size);
+        m_len += size;
+    }
+    std::size_t length() const { return m_len; }
+    void finish() { m_out.resize(m_len); }
+
+  private:
+    void grow(std::size_t n) {
+        const std::size_t want = std::max({m_len + n, m_cap * 2, std::size_t(256)});
+        m_out.resize(want);
+        m_base = m_out.data();
+        m_cap = m_out.size();
+    }
+    std::vector<unsigned char>& m_out;
+    unsigned char* m_base;
+    std::size_t m_len;
+    std::size_t m_cap;
+};
+
+// Writes a value tree as it is visited. Each open container is a frame: whether its items
+// carry a tag (struct members, mixed arrays) or are bare payloads of one element kind
+// (uniform arrays, the member lists of a message), and how many items it announced.
+class Encoder final : public Tm_visitor {
+  public:
+    Encoder(Writer& w, const Tm_catalog<std::string>& catalog) : m_w(w), m_catalog(catalog) {
+        m_stack.reserve(kMaxDepth + 4);
+        // The root: one untagged member list at level 0.
+        m_stack.push_back(Frame{false, true, TMV_STRUCT, 0, 1});
+    }
+
+    const std::vector<const std::string*>& extra_names() const { return m_extraNames; }
+
+    void visit_int8(int v) override {
+        item(TMV_INT8);
+        m_w.u8(static_cast<unsigned int>(v) & 0xFFu);
+    }
+    void visit_uint8(unsigned int v) override {
+        item(TMV_UINT8);
+        m_w.u8(v & 0xFFu);
+    }
+    void visit_int16(int v) override {
+        item(TMV_INT16);
+        m_w.fixed<2>(static_cast<std::uint64_t>(v));
+    }
+    void visit_uint16(unsigned int v) override {
+        item(TMV_UINT16);
+        m_w.fixed<2>(v);
+    }
+    void visit_int32(int v) override {
+        item(TMV_INT32);
+        m_w.fixed<4>(static_cast<std::uint64_t>(v));
+    }
+    void visit_uint32(unsigned int v) override {
+        item(TMV_UINT32);
+        m_w.fixed<4>(v);
+    }
+    void visit_int64(long v) override {
+        item(TMV_INT64);
+        m_w.fixed<8>(static_cast<std::uint64_t>(v));
+    }
+    void visit_uint64(unsigned long v) override {
+        item(TMV_UINT64);
+        m_w.fixed<8>(v);
+    }
+    void visit_double(double v) override {
+        item(TMV_DOUBLE);
+        std::uint64_t bits;
+        std::memcpy(&bits, &v, sizeof bits);
+        m_w.fixed<8>(bits);
+    }
+    void visit_bool(bool v) override {
+        item(TMV_BOOL);
+        m_w.u8(v ? 1 : 0);
+    }
+    void visit_string(const std::string& v) override {
+        item(TMV_STRING);
+        m_w.bytes(v.data(), v.size());
+    }
+    void visit_binary(const unsigned char* data, std::size_t size) override {
+        item(TMV_BINARY);
+        m_w.bytes(data, size);
+    }
+    void visit_date(long v) override {
+        item(TMV_DATE);
+        m_w.fixed<8>(static_cast<std::uint64_t>(v));
+    }
+    void visit_file(const Tm_file& f) override {
+        item(TMV_FILE);
+        m_w.bytes(f.name().data(), f.name().size());
+        m_w.bytes(f.content().data(), f.content().size());
+    }
+    void visit_message(const Message& m) override {
+        item(TMV_MESSAGE);
+        const int level = nested_level(m_stack.back().level + 1);
+        m_w.u8(static_cast<unsigned int>(m.get_msg_type()));
+        m_w.bytes(m.get_request_name().data(), m.get_request_name().size());
+        m_stack.push_back(Frame{false, true, TMV_STRUCT, level, 2});
+        m.get_group(TMG_SEND).accept(*this);
+        m.get_group(TMG_RECV).accept(*this);
+        close();
+    }
+    void begin_struct(const Tm_struct& s) override {
+        item(TMV_STRUCT);
+        const Frame& parent = m_stack.back();
+        // A message's member lists sit at the message's own level.
+        const int level = parent.holdsBodies ? parent.level : nested_level(parent.level + 1);
+        const int count = s.get_member_count();
+        if (count < 0) throw Tm_exception("encode: struct reports a negative member count");
+        m_w.varint(static_cast<std::uint64_t>(count));
+        m_stack.push_back(Frame{true, false, -1, level, count});
+    }
+    void visit_member_name(const std::string& name) override {
+        int index = m_catalog.find(name);
+        if (index < 0) {
+            auto it = m_extraIndex.find(name);
+            if (it == m_extraIndex.end()) {
+                index = m_catalog.size() + static_cast<int>(m_extraNames.size());
+                it = m_extraIndex.emplace(name, index).first;
+                m_extraNames.push_back(&it->first);
+            }
+            index = it->second;
+        }
+        m_w.varint(static_cast<std::uint64_t>(index));
+    }
+    void end_struct(const Tm_struct&) override { close(); }
+    void begin_array(const Tm_array& a) override {
+        item(TMV_ARRAY);
+        const int level = nested_level(m_stack.back().level + 1);
+        const int count = a.get_member_count();
+        if (count < 0) throw Tm_exception("encode: array reports a negative member count");
+        int tag = kMixed;
+        if (count > 0) {
+            tag = a.get_member_value_type(0);
+            for (int i = 1; i < count; ++i) {
+                if (a.get_member_value_type(i) != tag) {
+                    tag = kMixed;
+                    break;
+                }
+            }
+        }
+        m_w.varint(static_cast<std::uint64_t>(count));
+        m_w.u8(static_cast<unsigned int>(tag));
+        if (tag != kMixed) {
+            if (tag < 0 || tag > TMV_LAST)
+                throw Tm_exception("encode: array item of unknown kind " + std::to_string(tag));
+            // Fixed-size payloads: room for all of them at once.
+            if (tag <= TMV_BOOL || tag == TMV_DATE)
+                m_w.ensure(static_cast<std::size_t>(count) * kMinPayload[tag]);
+        }
+        m_stack.push_back(Frame{tag == kMixed, false, tag == kMixed ? -1 : tag, level, count});
+    }
+    void end_array(const Tm_array&) override { close(); }
+
+    void check_done() const {
+        if (m_stack.size() != 1 || m_stack.back().remaining != 0)
+            throw Tm_exception("encode: the member list was not visited completely");
+    }
+
+  private:
+    struct Frame {
+        bool tagged;       // items carry their kind tag
+        bool holdsBodies;  // the root or a message: its items are member lists
+        int elementKind;   // the one kind of an untagged container, else -1
+        int level;
+        long remaining;  // items still expected
+    };
+
+    // Starts one item of the innermost container: its tag, or a check that it has the
+    // container's element kind.
+    void item(int kind) {
+        Frame& f = m_stack.back();
+        if (f.remaining <= 0) throw Tm_exception("encode: more items than the container announced");
+        --f.remaining;
+        if (f.tagged) {
+            m_w.u8(static_cast<unsigned int>(kind));
+        } else if (f.elementKind != kind) {
+            throw Tm_exception("encode: item of kind " + kind_text(kind) + " in a container of " +
+                               kind_text(f.elementKind));
+        }
+    }
+    static int nested_level(int level) {
+        if (level > kMaxDepth) {
+            throw Tm_exception("encode: values nested deeper than " + std::to_string(kMaxDepth) + " levels");
+        }
+        return level;
+    }
+    void close() {
+        if (m_stack.back().remaining != 0)
+            throw Tm_exception("encode: fewer items than the container announced");
+        m_stack.pop_back();
+    }
+
+    Writer& m_w;
+    const Tm_catalog<std::string>& m_catalog;
+    std::vector<Frame> m_stack;
+    std::unordered_map<std::string, int> m_extraIndex;
+    std::vector<const std::string*> m_extraNames;
+};
+
+void write_table(Writer& w, const Tm_catalog<std::string>& catalog,
+                 const std::vector<const std::string*>& extra) {
+    w.varint(static_cast<std::uint64_t>(catalog.size()) + extra.size());
+    for (const std::string& name : catalog.names()) w.bytes(name.data(), name.size());
+    for (const std::string* name : extra) w.bytes(name->data(), name->size());
+}
+
+// --- decoding ------------------------------------------------------------------------------
+
+[[noreturn]] void fail(std::size_t offset, const std::string& what) {
+    throw Tm_exception("decode error at byte " + std::to_string(offset) + ": " + what);
+}
+
+// Members are appended to a struct under a name, or to an array.
+struct StructSink {
+    Tm_struct& target;
+    const std::string& name;
+    template <class T>
+    void scalar(T v) {
+        target.add_member(name, v);
+    }
+    void own(Tm_value* v) { target.add_member_and_own(name, v); }
+};
+
+struct ArraySink {
+    Tm_array& target;
+    template <class T>
+    void scalar(T v) {
+        target.Tm_array::add_member(v);
+    }
+    void own(Tm_value* v) { target.Tm_array::add_member_and_own(v); }
+};
+
+class Decoder {
+  public:
+    Decoder(const unsigned char* data, std::size_t size) : m_data(data), m_size(size) {}
+
+    void run(Message& message) {
+        if (m_size < 2 || m_data[0] != kMagic0 || m_data[1] != kMagic1) fail(0, "not a message (bad magic)");
+        m_pos = 2;
+        const std::size_t versionAt = m_pos;
+        const unsigned int version = u8();
+        if (version != kWireVersion) {
+            fail(versionAt, "unsupported version " + std::to_string(version) + " (this side reads version " +
+                                std::to_string(kWireVersion) + ")");
+        }
+        const Tm_message_type type = message_type();
+        std::string name = bytes_as_string();
+
+        Tm_catalog<std::string> catalog;
+        read_table(catalog);
+
+        Tm_struct group;
+        read_body(group, 0);
+        if (m_pos != m_size)
+            fail(m_pos, std::to_string(m_size - m_pos) + " trailing bytes after the message");
+
+        // Everything decoded: install it. Only the name copy can throw, so it goes first.
+        message.set_request_name(name);
+        message.set_msg_type(type);
+        message.group_for_decoding(TMG_RECV) = std::move(group);
+        *message.get_send_member_string(TMG_RECV) = std::move(catalog);
+    }
+
+  private:
+    std::size_t remaining() const { return m_size - m_pos; }
+
+    void need(std::size_t n) const {
+        if (remaining() < n) {
+            fail(m_pos, "unexpected end of input (need " + std::to_string(n) + " bytes, " +
+                            std::to_string(remaining()) + " left)");
+        }
+    }
+    unsigned int u8() {
+        need(1);
+        return m_data[m_pos++];
+    }
+    template <int N>
+    std::uint64_t fixed() {
+        need(N);
+        std::uint64_t v = 0;
+        for (int i = 0; i < N; ++i) v |= static_cast<std::uint64_t>(m_data[m_pos + i]) << (8 * i);
+        m_pos += N;
+        return v;
+    }
+    std::uint64_t varint() {
+        const std::size_t at = m_pos;
+        std::uint64_t v = 0;
+        for (int i = 0; i < kMaxVarintBytes; ++i) {
+            if (m_pos >= m_size) fail(m_pos, "unexpected end of input inside a varint");
+            const unsigned int b = m_data[m_pos++];
+            if (i == kMaxVarintBytes - 1 && b > 1) fail(at, "varint exceeds 64 bits");
+            v |= static_cast<std::uint64_t>(b & 0x7Fu) << (7 * i);
+            if (!(b & 0x80u)) return v;
+        }
+        fail(at, "varint longer than 10 bytes");
+    }
+    // A length or count, checked against what the remaining bytes can hold when each unit
+    // takes at least `unit` bytes.
+    std::size_t count(std::size_t unit, const char* what) {
+        const std::size_t at = m_pos;
+        const std::uint64_t n = varint();
+        if (n > remaining() / unit) {
+            fail(at, std::string(what) + " " + std::to_string(n) + " exceeds what the remaining " +
+                         std::to_string(remaining()) + " bytes can hold");
+        }
+        return static_cast<std::size_t>(n);
+    }
+    int item_count(std::size_t unit, const char* what) {
+        const std::size_t at = m_pos;
+        const std::size_t n = count(unit, what);
+        if (n > static_cast<std::size_t>(INT_MAX)) fail(at, std::string(what) + " too large");
+        return static_cast<int>(n);
+    }
+    const unsigned char* take(std::size_t n) {
+        const unsigned char* p = m_data + m_pos;
+        m_pos += n;
+        return p;
+    }
+    std::string bytes_as_string() {
+        const std::size_t n = count(1, "length");
+        const char* p = reinterpret_cast<const char*>(take(n));
+        return std::string(p, n);
+    }
+    std::vector<unsigned char> bytes_as_vector() {
+        const std::size_t n = count(1, "length");
+        const unsigned char* p = take(n);
+        return std::vector<unsigned char>(p, p + n);
+    }
+    Tm_message_type message_type() {
+        const std::size_t at = m_pos;
+        const unsigned int t = u8();
+        if (t != TMT_REQUEST && t != TMT_RESPONSE) fail(at, "unknown message type " + std::to_string(t));
+        return static_cast<Tm_message_type>(t);
+    }
+    int kind_tag(bool allowMixed) {
+        const std::size_t at = m_pos;
+        const unsigned int t = u8();
+        if (t <= static_cast<unsigned int>(TMV_LAST) || (allowMixed && t == kMixed))
+            return static_cast<int>(t);
+        fail(at, "unknown kind tag " + std::to_string(t));
+    }
+    int deeper(int level, std::size_t at) const {
+        if (level >= kMaxDepth)
+            fail(at, "values nested deeper than " + std::to_string(kMaxDepth) + " levels");
+        return level + 1;
+    }
+
+    void read_table(Tm_catalog<std::string>& catalog) {
+        const std::size_t n = count(1, "name count");
+        m_names.clear();
+        m_names.reserve(n);
+        for (std::size_t i = 0; i < n; ++i) {
+            const std::size_t at = m_pos;
+            m_names.push_back(bytes_as_string());
+            if (static_cast<std::size_t>(catalog.add(m_names.back())) != i) {
+                fail(at, "name '" + m_names.back() + "' appears twice in the name table");
+            }
+        }
+    }
+
+    // A member list; `level` is the nesting level of its holder.
+    void read_body(Tm_struct& target, int level) {
+        const int n = item_count(kMinMember, "member count");
+        for (int i = 0; i < n; ++i) {
+            const std::size_t at = m_pos;
+            const std::uint64_t index = varint();
+            if (index >= m_names.size()) {
+                fail(at, "name index " + std::to_string(index) + " outside the name table of " +
+                             std::to_string(m_names.size()) + " names");
+            }
+            const std::size_t tagAt = m_pos;
+            const int tag = kind_tag(false);
+            StructSink sink{target, m_names[static_cast<std::size_t>(index)]};
+            read_payload(tag, tagAt, level, sink);
+        }
+    }
+
+    template <class Sink>
+    void read_payload(int tag, std::size_t tagAt, int level, Sink& sink) {
+        switch (tag) {
+            case TMV_INT8:
+                sink.scalar(static_cast<signed char>(u8()));
+                break;
+            case TMV_UINT8:
+                sink.scalar(static_cast<unsigned char>(u8()));
+                break;
+            case TMV_INT16:
+                sink.scalar(static_cast<short>(static_cast<std::uint16_t>(fixed<2>())));
+                break;
+            case TMV_UINT16:
+                sink.scalar(static_cast<unsigned short>(fixed<2>()));
+                break;
+            case TMV_INT32:
+                sink.scalar(static_cast<int>(static_cast<std::uint32_t>(fixed<4>())));
+                break;
+            case TMV_UINT32:
+                sink.scalar(static_cast<unsigned int>(fixed<4>()));
+                break;
+            case TMV_INT64:
+                sink.scalar(static_cast<long>(fixed<8>()));
+                break;
+            case TMV_UINT64:
+                sink.scalar(static_cast<unsigned long>(fixed<8>()));
+                break;
+            case TMV_DOUBLE: {
+                const std::uint64_t bits = fixed<8>();
+                double d;
+                std::memcpy(&d, &bits, sizeof d);
+                sink.scalar(d);
+                break;
+            }
+            case TMV_BOOL:
+                sink.scalar(read_bool());
+                break;
+            case TMV_STRING:
+                sink.own(new Tm_string(bytes_as_string()));
+                break;
+            case TMV_BINARY:
+                sink.own(new Tm_binary(bytes_as_vector()));
+                break;
+            case TMV_DATE:
+                sink.own(new Tm_date(static_cast<long>(fixed<8>())));
+                break;
+            case TMV_FILE: {
+                std::string name = bytes_as_string();
+                std::vector<unsigned char> content = bytes_as_vector();
+                sink.own(new Tm_file(std::move(name), std::move(content)));
+                break;
+            }
+            case TMV_STRUCT: {
+                auto s = std::make_unique<Tm_struct>();
+                read_body(*s, deeper(level, tagAt));
+                sink.own(s.release());
+                break;
+            }
+            case TMV_ARRAY: {
+                auto a = std::make_unique<Tm_array>();
+                read_array(*a, deeper(level, tagAt));
+                sink.own(a.release());
+                break;
+            }
+            case TMV_MESSAGE: {
+                auto m = std::make_unique<Tm_message>();
+                read_message(m->get(), deeper(level, tagAt));
+                sink.own(m.release());
+                break;
+            }
+            default:
+                fail(tagAt, "unknown kind tag " + std::to_string(tag));
+        }
+    }
+
+    bool read_bool() {
+        const std::size_t at = m_pos;
+        const unsigned int b = u8();
+        if (b > 1) fail(at, "bool byte " + std::to_string(b) + " is neither 0 nor 1");
+        return b != 0;
+    }
+
+    void read_message(Message& m, int level) {
+        const Tm_message_type type = message_type();
+        std::string name = bytes_as_string();
+        read_body(m.group_for_decoding(TMG_SEND), level);
+        read_body(m.group_for_decoding(TMG_RECV), level);
+        m.set_msg_type(type);
+        m.set_request_name(name);
+    }
+
+    // Bare payloads of one scalar kind, `n` of them, already checked against the input.
+    template <class T, int N>
+    void read_packed(Tm_array& a, int n) {
+        const unsigned char* p = take(static_cast<std::size_t>(n) * N);
+        for (int i = 0; i < n; ++i, p += N) {
+            std::uint64_t v = 0;
+            for (int k = 0; k < N; ++k) v |= static_cast<std::uint64_t>(p[k]) << (8 * k);
+            a.Tm_array::add_member(static_cast<T>(v));
+        }
+    }
+
+    void read_array(Tm_array& a, int level) {
+        const std::size_t countAt = m_pos;
+        const std::uint64_t raw = varint();
+        const std::size_t tagAt = m_pos;
+        const int tag = kind_tag(true);
+        const std::size_t unit = tag == kMixed ? kMinMixedItem : kMinPayload[tag];
+        if (raw > remaining() / unit || raw > static_cast<std::uint64_t>(INT_MAX)) {
+            fail(countAt, "array count " + std::to_string(raw) + " exceeds what the remaining " +
+                              std::to_string(remaining()) + " bytes can hold");
+        }
+        const int n = static_cast<int>(raw);
+        a.Tm_array::reserve(n);
+        ArraySink sink{a};
+        switch (tag) {
+            case TMV_INT8:
+                return read_packed<signed char, 1>(a, n);
+            case TMV_UINT8:
+                return read_packed<unsigned char, 1>(a, n);
+            case TMV_INT16:
+                return read_packed<short, 2>(a, n);
+            case TMV_UINT16:
+                return read_packed<unsigned short, 2>(a, n);
+            case TMV_INT32:
+                return read_packed<int, 4>(a, n);
+            case TMV_UINT32:
+                return read_packed<unsigned int, 4>(a, n);
+            case TMV_INT64:
+                return read_packed<long, 8>(a, n);
+            case TMV_UINT64:
+                return read_packed<unsigned long, 8>(a, n);
+            case kMixed:
+                for (int i = 0; i < n; ++i) {
+                    const std::size_t at = m_pos;
+                    const int itemTag = kind_tag(false);
+                    read_payload(itemTag, at, level, sink);
+                }
+                return;
+            default:
+                for (int i = 0; i < n; ++i) read_payload(tag, tagAt, level, sink);
+                return;
+        }
+    }
+
+    const unsigned char* m_data;
+    std::size_t m_size;
+    std::size_t m_pos = 0;
+    std::vector<std::string> m_names;
+};
+
+}  // namespace
+
+void encode(const Message& message, std::vector<unsigned char>& out) {
+    const std::size_t start = out.size();
+    try {
+        const Tm_catalog<std::string>& catalog = *message.get_send_member_string(TMG_SEND);
+        Writer w(out);
+        w.u8(kMagic0);
+        w.u8(kMagic1);
+        w.u8(kWireVersion);
+        w.u8(static_cast<unsigned int>(message.get_msg_type()));
+        w.bytes(message.get_request_name().data(), message.get_request_name().size());
+        const std::size_t tableAt = w.length();
+        write_table(w, catalog, {});
+        const std::size_t tableEnd = w.length();
+
+        Encoder e(w, catalog);
+        message.get_group(TMG_SEND).accept(e);
+        e.check_done();
+        w.finish();
+
+        if (!e.extra_names().empty()) {
+            // Names met during the walk that the catalog lacks: rewrite the table with them
+            // appended (their indices already follow the catalog's).
+            std::vector<unsigned char> body(out.begin() + static_cast<std::ptrdiff_t>(tableEnd), out.end());
+            out.resize(tableAt);
+            Writer t(out);
+            write_table(t, catalog, e.extra_names());
+            t.finish();
+            out.insert(out.end(), body.begin(), body.end());
+        }
+    } catch (...) {
+        out.resize(start);
+        throw;
+    }
+}
+
+std::vector<unsigned char> encode(const Message& message) {
+    std::vector<unsigned char> out;
+    encode(message, out);
+    return out;
+}
+
+void decode(const unsigned char* data, std::size_t size, Message& message) {
+    if (!data && size) throw Tm_exception("decode error at byte 0: null input");
+    Decoder(data, size).run(message);
+}
+
+void decode(const std::vector<unsigned char>& bytes, Message& message) {
+    decode(bytes.data(), bytes.size(), message);
+}
+
+}  // namespace tmsg

@@ -1,0 +1,324 @@
+// Encoding a message's send group and decoding it into another message's receive group.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "platform/Message.h"
+#include "platform/Tm_codec.h"
+#include "platform/Tm_exception.h"
+
+namespace {
+
+Message round_trip(const Message& sent) {
+    Message received;
+    tmsg::decode(tmsg::encode(sent), received);
+    return received;
+}
+
+struct RoundTripCase {
+    const char* what;
+    std::function<void(Message&)> build;        // fills the send group
+    std::function<void(const Message&)> check;  // reads the receive group
+};
+
+constexpr auto R = Message::TMG_RECV;
+constexpr auto S = Message::TMG_SEND;
+
+Tm_struct* make_inner() {
+    auto* s = new Tm_struct;
+    s->add_member("x", 7);
+    s->add_member("label", std::string("inner"));
+    auto* a = new Tm_array;
+    a->add_member(1.5);
+    a->add_member(-2.25);
+    s->add_member_and_own("ds", a);
+    return s;
+}
+
+const std::vector<RoundTripCase>& cases() {
+    static const std::vector<RoundTripCase> table = {
+        {"int8 extremes",
+         [](Message& m) {
+             m.add_member(S, "lo", static_cast<signed char>(-128));
+             m.add_member(S, "hi", static_cast<signed char>(127));
+         },
+         [](const Message& m) {
+             EXPECT_EQ(m.get_member_int8(R, "lo"), -128);
+             EXPECT_EQ(m.get_member_int8(R, "hi"), 127);
+         }},
+        {"uint8", [](Message& m) { m.add_member(S, "v1", static_cast<unsigned char>(255)); },
+         [](const Message& m) { EXPECT_EQ(m.get_member_uint8(R, "v1"), 255); }},
+        {"int16 negative", [](Message& m) { m.add_member(S, "v2", static_cast<short>(-32768)); },
+         [](const Message& m) { EXPECT_EQ(m.get_member_int16(R, "v2"), -32768); }},
+        {"uint16", [](Message& m) { m.add_member(S, "v3", static_cast<unsigned short>(65535)); },
+         [](const Message& m) { EXPECT_EQ(m.get_member_uint16(R, "v3"), 65535); }},
+        {"int32", [](Message& m) { m.add_member(S, "v4", std::numeric_limits<int>::min()); },
+         [](const Message& m) { EXPECT_EQ(m.get_member_int32(R, "v4"), std::numeric_limits<int>::min()); }},
+        {"uint32", [](Message& m) { m.add_member(S, "v5", 0xFEDCBA98u); },
+         [](const Message& m) { EXPECT_EQ(m.get_member_uint32(R, "v5"), 0xFEDCBA98u); }},
+        {"int64", [](Message& m) { m.add_member(S, "v6", std::numeric_limits<long>::min() + 1); },
+         [](const Message& m) {
+             EXPECT_EQ(m.get_member_int64(R, "v6"), std::numeric_limits<long>::min() + 1);
+         }},
+        {"uint64", [](Message& m) { m.add_member(S, "v7", 0xFFFFFFFFFFFFFFFEul); },
+         [](const Message& m) { EXPECT_EQ(m.get_member_uint64(R, "v7"), 0xFFFFFFFFFFFFFFFEul); }},
+        {"doubles",
+         [](Message& m) {
+             m.add_member(S, "pi", 3.141592653589793);
+             m.add_member(S, "neg0", -0.0);
+             m.add_member(S, "inf", std::numeric_limits<double>::infinity());
+             m.add_member(S, "nan", std::numeric_limits<double>::quiet_NaN());
+         },
+         [](const Message& m) {
+             EXPECT_EQ(m.get_member_double(R, "pi"), 3.141592653589793);
+             EXPECT_TRUE(std::signbit(m.get_member_double(R, "neg0")));
+             EXPECT_EQ(m.get_member_double(R, "inf"), std::numeric_limits<double>::infinity());
+             EXPECT_TRUE(std::isnan(m.get_member_double(R, "nan")));
+         }},
+        {"bools",
+         [](Message& m) {
+             m.add_member(S, "t", true);
+             m.add_member(S, "f", false);
+         },
+         [](const Message& m) {
+             EXPECT_TRUE(m.get_member_bool(R, "t"));
+             EXPECT_FALSE(m.get_member_bool(R, "f"));
+         }},
+        {"strings with any bytes",
+         [](Message& m) {
+             m.add_member(S, "empty", std::string());
+             m.add_member(S, "bytes", std::string("a\0b\xff\"\\", 6));
+         },
+         [](const Message& m) {
+             EXPECT_EQ(m.get_member_string(R, "empty"), "");
+             EXPECT_EQ(m.get_member_string(R, "bytes"), std::string("a\0b\xff\"\\", 6));
+         }},
+        {"binary, date and file",
+         [](Message& m) {
+             m.add_member_and_own(S, "bin", new Tm_binary(std::vector<unsigned char>{0, 1, 254, 255}));
+             m.add_member_and_own(S, "when", new Tm_date(-1234567890123L));
+             m.add_member_and_own(S, "doc", new Tm_file("a.txt", {'h', 'i'}));
+         },
+         [](const Message& m) {
+             EXPECT_EQ(m.get_member_binary(R, "bin")->get(), (std::vector<unsigned char>{0, 1, 254, 255}));
+             EXPECT_EQ(m.get_group(R).get_member_date("when")->get(), -1234567890123L);
+             const Tm_file* f = m.get_group(R).get_member_file("doc");
+             EXPECT_EQ(f->name(), "a.txt");
+             EXPECT_EQ(f->content(), (std::vector<unsigned char>{'h', 'i'}));
+         }},
+        {"nested structs",
+         [](Message& m) {
+             auto* outer = new Tm_struct;
+             outer->add_member_and_own("inner", make_inner());
+             outer->add_member("after", 5u);
+             m.add_member_and_own(S, "outer", outer);
+         },
+         [](const Message& m) {
+             const Tm_struct* outer = m.get_member_struct(R, "outer");
+             const Tm_struct* inner = outer->get_member_struct("inner");
+             EXPECT_EQ(inner->get_member_int32("x"), 7);
+             EXPECT_EQ(inner->get_member_string("label"), "inner");
+             EXPECT_EQ(inner->get_member_array("ds")->get_member_double(1), -2.25);
+             EXPECT_EQ(outer->get_member_uint32("after"), 5u);
+             EXPECT_EQ(outer->get_member_name(1), "after");
+         }},
+        {"uniform arrays of every packed kind",
+         [](Message& m) {
+             auto* a8 = new Tm_array;
+             for (int v : {-1, 0, 127}) a8->add_member(static_cast<signed char>(v));
+             auto* a16 = new Tm_array;
+             for (int v : {-300, 300}) a16->add_member(static_cast<short>(v));
+             auto* u64 = new Tm_array;
+             for (unsigned long v : {0ul, ~0ul}) u64->add_member(v);
+             auto* b = new Tm_array;
+             for (bool v : {true, false, true}) b->add_member(v);
+             m.add_member_and_own(S, "a8", a8);
+             m.add_member_and_own(S, "a16", a16);
+             m.add_member_and_own(S, "u64", u64);
+             m.add_member_and_own(S, "b", b);
+         },
+         [](const Message& m) {
+             const Tm_array* a8 = m.get_member_array(R, "a8");
+             ASSERT_EQ(a8->get_member_count(), 3);
+             EXPECT_EQ(a8->get_member_int8(0), -1);
+             EXPECT_EQ(a8->get_member_int8(2), 127);
+             EXPECT_EQ(m.get_member_array(R, "a16")->get_member_int16(0), -300);
+             EXPECT_EQ(m.get_member_array(R, "u64")->get_member_uint64(1), ~0ul);
+             const Tm_array* b = m.get_member_array(R, "b");
+             ASSERT_EQ(b->get_member_count(), 3);
+             EXPECT_TRUE(b->get_member_bool(0));
+             EXPECT_FALSE(b->get_member_bool(1));
+         }},
+        {"arrays of structs, strings and arrays",
+         [](Message& m) {
+             auto* structs = new Tm_array;
+             structs->add_member_and_own(make_inner());
+             structs->add_member_and_own(make_inner());
+             auto* strings = new Tm_array;
+             strings->add_member("one");
+             strings->add_member(std::string("two"));
+             auto* grid = new Tm_array;
+             for (int row = 0; row < 2; ++row) {
+                 auto* r = new Tm_array;
+                 for (int col = 0; col < 3; ++col) r->add_member(row * 10 + col);
+                 grid->add_member_and_own(r);
+             }
+             m.add_member_and_own(S, "structs", structs);
+             m.add_member_and_own(S, "strings", strings);
+             m.add_member_and_own(S, "grid", grid);
+         },
+         [](const Message& m) {
+             EXPECT_EQ(m.get_member_array(R, "structs")->get_member_struct(1)->get_member_int32("x"), 7);
+             EXPECT_EQ(m.get_member_array(R, "strings")->get_member_string(1), "two");
+             EXPECT_EQ(m.get_member_array(R, "grid")->get_member_array(1)->get_member_int32(2), 12);
+         }},
+        {"mixed and empty arrays",
+         [](Message& m) {
+             auto* mixed = new Tm_array;
+             mixed->add_member(1);
+             mixed->add_member("two");
+             mixed->add_member(3.0);
+             mixed->add_member_and_own(new Tm_struct);
+             mixed->add_member(static_cast<unsigned char>(9));
+             m.add_member_and_own(S, "mixed", mixed);
+             m.add_member_and_own(S, "none", new Tm_array);
+         },
+         [](const Message& m) {
+             const Tm_array* mixed = m.get_member_array(R, "mixed");
+             ASSERT_EQ(mixed->get_member_count(), 5);
+             EXPECT_EQ(mixed->get_member_int32(0), 1);
+             EXPECT_EQ(mixed->get_member_string(1), "two");
+             EXPECT_EQ(mixed->get_member_double(2), 3.0);
+             EXPECT_EQ(mixed->get_member_struct(3)->get_member_count(), 0);
+             EXPECT_EQ(mixed->get_member_uint8(4), 9);
+             EXPECT_EQ(m.get_member_array(R, "none")->get_member_count(), 0);
+         }},
+        {"nested message value keeps both groups, kind and name",
+         [](Message& m) {
+             Message inner;
+             inner.set_msg_type(Message::TMT_RESPONSE);
+             inner.set_request_name("Inner.Call");
+             inner.add_member(S, "asked", 1);
+             inner.add_member(R, "answered", std::string("yes"));
+             m.add_member_and_own(S, "msg", new Tm_message(inner));
+         },
+         [](const Message& m) {
+             const Message* inner = m.get_group(R).get_member_message("msg");
+             EXPECT_EQ(inner->get_msg_type(), Message::TMT_RESPONSE);
+             EXPECT_EQ(inner->get_request_name(), "Inner.Call");
+             EXPECT_EQ(inner->get_member_int32(S, "asked"), 1);
+             EXPECT_EQ(inner->get_member_string(R, "answered"), "yes");
+         }},
+        {"repeated names keep their order",
+         [](Message& m) {
+             m.add_member(S, "dup", 1);
+             m.add_member(S, "other", 2);
+             m.add_member(S, "dup", 3);
+         },
+         [](const Message& m) {
+             const Tm_struct& g = m.get_group(R);
+             const int first = g.get_member_index("dup");
+             ASSERT_GE(first, 0);
+             EXPECT_EQ(g.get_member_name(first + 1), "other");
+             EXPECT_EQ(g.get_member_name(first + 2), "dup");
+             EXPECT_EQ(g.get_member_int32("dup"), 1);
+         }},
+    };
+    return table;
+}
+
+TEST(CodecRoundTrip, EveryCaseReadsBackWithTypedGetters) {
+    for (const RoundTripCase& c : cases()) {
+        SCOPED_TRACE(c.what);
+        for (bool meta : {false, true}) {
+            Message sent;
+            sent.set_request_name("Module.Method");
+            c.build(sent);
+            if (meta) {
+                ASSERT_TRUE(sent.create_send_member_string_meta());
+            }
+            const Message received = round_trip(sent);
+            EXPECT_EQ(received.get_request_name(), "Module.Method");
+            EXPECT_EQ(received.get_member_count(Message::TMG_SEND), 0);
+            c.check(received);
+            // The decoded tree equals the sent one (NaN never compares equal).
+            if (std::string(c.what) != "doubles") {
+                EXPECT_TRUE(received.get_group(R).equals(sent.get_group(S)));
+            }
+        }
+    }
+}
+
+TEST(CodecRoundTrip, AllCasesInOneMessage) {
+    Message sent;
+    sent.set_msg_type(Message::TMT_RESPONSE);
+    for (const RoundTripCase& c : cases()) c.build(sent);
+    sent.create_send_member_string_meta();
+    const Message received = round_trip(sent);
+    EXPECT_EQ(received.get_msg_type(), Message::TMT_RESPONSE);
+    for (const RoundTripCase& c : cases()) {
+        SCOPED_TRACE(c.what);
+        c.check(received);
+    }
+}
+
+TEST(CodecRoundTrip, NameTableIsTheSendCatalogThenUnknownNames) {
+    Message sent;
+    sent.get_send_member_string(S)->add("unused");
+    sent.get_send_member_string(S)->add("b");
+    sent.add_member(S, "a", 1);
+    sent.add_member(S, "b", 2);
+    const Message received = round_trip(sent);
+    EXPECT_EQ(received.get_send_member_string(R)->names(), (std::vector<std::string>{"unused", "b", "a"}));
+    EXPECT_EQ(received.get_member_int32(R, "a"), 1);
+    EXPECT_EQ(received.get_member_int32(R, "b"), 2);
+}
+
+TEST(CodecRoundTrip, EncodeAppendsAndDecodeReplacesOnlyTheReceiveGroup) {
+    Message sent;
+    sent.add_member(S, "v", 1);
+    std::vector<unsigned char> bytes{0xAA};
+    tmsg::encode(sent, bytes);
+    EXPECT_EQ(bytes[0], 0xAA);
+    EXPECT_EQ(std::vector<unsigned char>(bytes.begin() + 1, bytes.end()), tmsg::encode(sent));
+
+    Message target;
+    target.add_member(S, "mine", 5);
+    target.add_member(R, "old", 6);
+    tmsg::decode(bytes.data() + 1, bytes.size() - 1, target);
+    EXPECT_EQ(target.get_member_int32(S, "mine"), 5);
+    EXPECT_EQ(target.get_member_index(R, "old"), -1);
+    EXPECT_EQ(target.get_member_int32(R, "v"), 1);
+}
+
+TEST(CodecRoundTrip, EncodingIsDeterministicAndStartsWithMagicAndVersion) {
+    Message sent;
+    sent.add_member(S, "v", 1);
+    const std::vector<unsigned char> a = tmsg::encode(sent);
+    EXPECT_EQ(a, tmsg::encode(sent));
+    ASSERT_GE(a.size(), 3u);
+    EXPECT_EQ(a[0], 'T');
+    EXPECT_EQ(a[1], 'M');
+    EXPECT_EQ(a[2], tmsg::kWireVersion);
+}
+
+TEST(CodecRoundTrip, LongStringsAndLargeArraysUseMultiByteLengths) {
+    Message sent;
+    const std::string text(100000, 'x');
+    sent.add_member(S, "text", text);
+    auto* big = new Tm_array;
+    big->reserve(70000);
+    for (int i = 0; i < 70000; ++i) big->add_member(static_cast<unsigned short>(i));
+    sent.add_member_and_own(S, "big", big);
+    const Message received = round_trip(sent);
+    EXPECT_EQ(received.get_member_string(R, "text"), text);
+    const Tm_array* a = received.get_member_array(R, "big");
+    ASSERT_EQ(a->get_member_count(), 70000);
+    EXPECT_EQ(a->get_member_uint16(69999), static_cast<unsigned short>(69999));
+}
+
+}  // namespace
