@@ -306,10 +306,11 @@ constexpr const char* const* names() {
     return Names<R>::table.data();
 }
 
+// (A record without fields, such as an empty base, leaves every parameter unused.)
 template <class R, class Fields, std::size_t... I>
-void write_fields(Tm_prenamed_struct* t, const R& rec, bool copy, Catalog* c, const Fields& f,
-                  std::index_sequence<I...>) {
-    bool go = true;
+void write_fields([[maybe_unused]] Tm_prenamed_struct* t, [[maybe_unused]] const R& rec, [[maybe_unused]] bool copy,
+                  [[maybe_unused]] Catalog* c, [[maybe_unused]] const Fields& f, std::index_sequence<I...>) {
+    [[maybe_unused]] bool go = true;
     ((go = go && write(PrenamedSink{t, static_cast<int>(I), c}, rec.*(std::get<I>(f).member), std::get<I>(f).form,
                        copy, c)),
      ...);
@@ -345,7 +346,7 @@ Tm_struct* choice_to_struct(Tm_struct* target, const R& rec, bool copy, Catalog*
     return target;
 }
 
-// Reads the first alternative present (in enumerator order) and selects it; with none
+// Selects the first alternative present (in enumerator order), then reads it; with none
 // present the record is left as it was.
 template <class R>
 void choice_from_struct(const Tm_struct* source, R& rec) {
@@ -353,7 +354,7 @@ void choice_from_struct(const Tm_struct* source, R& rec) {
     std::apply(
         [&](const auto&... a) {
             ((source->get_member_index(a.field.name) != -1 &&
-              (read(source, a.field.name, rec.*(a.field.member), a.field.form), rec.*(d.selector) = a.value, true)) ||
+              (rec.*(d.selector) = a.value, read(source, a.field.name, rec.*(a.field.member), a.field.form), true)) ||
              ...);
         },
         d.alternatives);
