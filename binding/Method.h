@@ -95,11 +95,12 @@ void read(const Tm_struct* s, const char* name, T& out, Copied) {
 
 // Adds one member per argument to the send group, in order.
 template <class Members, class... V, std::size_t... I>
-void write_members(Message* m, const Members& ms, bool copy, std::index_sequence<I...>, const V&... values) {
+void write_members(Message* m, [[maybe_unused]] const Members& ms, [[maybe_unused]] bool copy,
+                   std::index_sequence<I...>, const V&... values) {
     static_assert(sizeof...(V) == std::tuple_size_v<Members>, "one value per member");
     static_assert((std::is_same_v<typename std::tuple_element_t<I, Members>::type, V> && ...),
                   "value types must match the described members");
-    Catalog* catalog = m->get_send_member_string(TMG_SEND);
+    [[maybe_unused]] Catalog* catalog = m->get_send_member_string(TMG_SEND);
     (write(MessageSink{m, std::get<I>(ms).name}, values, std::get<I>(ms).form, copy, catalog), ...);
 }
 
