@@ -1,7 +1,6 @@
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -15,18 +14,6 @@ namespace lp = LoadProfile_1_bll;
 using testing_support::Layout;
 
 namespace {
-
-// Replaces every occurrence of `from` by `to` (same length) in encoded bytes.
-void replace_text(std::vector<unsigned char>& bytes, const std::string& from, const std::string& to) {
-    ASSERT_EQ(from.size(), to.size());
-    int found = 0;
-    for (auto it = bytes.begin();
-         (it = std::search(it, bytes.end(), from.begin(), from.end())) != bytes.end();) {
-        it = std::copy(to.begin(), to.end(), it);
-        ++found;
-    }
-    ASSERT_GT(found, 0) << from;
-}
 
 TEST(LoadProfileRecords, RoundTripThroughTheWire) {
     testing_support::check_records<lp::loadProfile_s, lp::streamBlockLoadProfileBinding_s>();
@@ -53,9 +40,10 @@ TEST(LoadProfileMethods, BuildersLeaveSendMemberStringsAlone) {
         SCOPED_TRACE(e.desc->name);
         Message m;
         m.set_use_send_member_string(false);
+        m.set_request_name("Caller.Named");
         EXPECT_FALSE(testing_support::build_generated(e, &m, true, 3));
         EXPECT_FALSE(m.get_use_send_member_string());
-        EXPECT_EQ(m.get_request_name(), "");
+        EXPECT_EQ(m.get_request_name(), "Caller.Named");
     });
 }
 
@@ -71,13 +59,12 @@ TEST(LoadProfileMethods, BuilderReplacesEarlierMembersAndRequestKind) {
 TEST(LoadProfileMethods, ResponseOfRequestKindThrowsAndLeavesOutputs) {
     lp::loadProfile_s sentinel;
     sentinel.loadProfileId = 77;
-    Message m;
-    lp::create_req_SetLoadProfile(&m, {sentinel}, true);
-    Message in;
-    tmsg::decode(tmsg::encode(m), in);  // a request, not a response
-    std::vector<lp::loadProfile_s> out{sentinel, sentinel};
+    const std::vector<lp::loadProfile_s> before{sentinel, sentinel};
+    const Message in =
+        testing_support::received(lp::methods::GetLoadProfile.response, TMT_REQUEST, std::vector{sentinel});
+    std::vector<lp::loadProfile_s> out = before;
     EXPECT_THROW(lp::parse_resp_GetLoadProfile(&in, &out), Tm_type_mismatch_exception);
-    EXPECT_EQ(out, (std::vector<lp::loadProfile_s>{sentinel, sentinel}));
+    EXPECT_EQ(out, before);
     EXPECT_THROW(lp::parse_resp_SetLoadProfile(&in), Tm_type_mismatch_exception);
 }
 
@@ -87,17 +74,10 @@ TEST(LoadProfileMethods, ParsingReplacesAnEarlierVector) {
     one.loadUnit = lp::rateUnit_t::L2_RATE;
     lp::loadProfile_s stale;
     stale.loadProfileId = 99;
-    Message far;
-    far.set_msg_type(TMT_RESPONSE);
-    auto* a = new Tm_array();
-    auto* s = new Tm_prenamed_struct();
-    lp::loadProfile_t_to_struct(s, &one, true, far.get_send_member_string(TMG_SEND));
-    a->add_member_and_own(s);
-    far.add_member_and_own(TMG_SEND, "loadProfile", a);
-    Message client;
-    tmsg::decode(tmsg::encode(far), client);
+    const Message in =
+        testing_support::received(lp::methods::GetLoadProfile.response, TMT_RESPONSE, std::vector{one});
     std::vector<lp::loadProfile_s> out{stale, stale, stale};
-    lp::parse_resp_GetLoadProfile(&client, &out);
+    lp::parse_resp_GetLoadProfile(&in, &out);
     EXPECT_EQ(out, std::vector<lp::loadProfile_s>{one});
 }
 
@@ -130,20 +110,13 @@ TEST(LoadProfileRecords, UnknownUnitReadsBackAsTheMapsAnswer) {
     lp::loadProfile_s p;
     p.loadUnit = lp::rateUnit_t::L2_RATE;
     p.burstLoadUnit = lp::rateUnit_t::BITS_PER_SECOND;
-    Message far;
-    far.set_msg_type(TMT_RESPONSE);
-    auto* a = new Tm_array();
-    auto* s = new Tm_prenamed_struct();
-    lp::loadProfile_t_to_struct(s, &p, true, far.get_send_member_string(TMG_SEND));
-    a->add_member_and_own(s);
-    far.add_member_and_own(TMG_SEND, "loadProfile", a);
-    auto bytes = tmsg::encode(far);
-    replace_text(bytes, "L2_RATE", "L2_RATX");
-    replace_text(bytes, "BITS_PER_SECOND", "000000000000012");
-    Message client;
-    tmsg::decode(bytes, client);
+    auto bytes =
+        testing_support::far_bytes(lp::methods::GetLoadProfile.response, TMT_RESPONSE, std::vector{p});
+    ASSERT_EQ(testing_support::replace_text(bytes, "L2_RATE", "L2_RATX"), 1);
+    ASSERT_EQ(testing_support::replace_text(bytes, "BITS_PER_SECOND", "000000000000012"), 1);
+    const Message in = testing_support::received(bytes);
     std::vector<lp::loadProfile_s> out;
-    lp::parse_resp_GetLoadProfile(&client, &out);
+    lp::parse_resp_GetLoadProfile(&in, &out);
     ASSERT_EQ(out.size(), 1u);
     EXPECT_EQ(static_cast<int>(out[0].loadUnit), tms_string_to_enum("L2_RATX", lp::em_rateUnit_t));
     EXPECT_EQ(static_cast<int>(out[0].burstLoadUnit),

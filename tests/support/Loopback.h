@@ -33,6 +33,15 @@
 //     // The layout of a built message: (name, kind) of each send-group member, in order.
 //     EXPECT_EQ(testing_support::layout(msg), (testing_support::Layout{{"id", TMV_UINT32}}));
 //
+//     // A far side's message built by hand (e.g. a response of the wrong kind, or bytes to
+//     // tamper with before they are received):
+//     Message in = testing_support::received(Module_bll::methods::GetX.response, TMT_REQUEST, xs);
+//     auto bytes = testing_support::far_bytes(Module_bll::methods::GetX.response, TMT_RESPONSE, xs);
+//     testing_support::replace_text(bytes, "L2_RATE", "L2_RATX");
+//
+//     // Records through their public converters and the wire (copy flag true and false):
+//     testing_support::check_records<a_s, b_s, c_t>();
+//
 // Parsers whose outputs are pointers (`std::vector<x_s>* out`) and references are both
 // handled. Failures are reported through GoogleTest assertions, with a trace naming the
 // method.
@@ -40,6 +49,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <tuple>
@@ -188,6 +198,44 @@ bool build_all(Message* m, const binding::ModuleRules& rules, const char* name, 
 inline void carry(const Message& from, Message& to) { tmsg::decode(tmsg::encode(from), to); }
 
 }  // namespace detail
+
+// --- hand-made far-side messages ----------------------------------------------------------
+
+// The bytes of a far-side message of kind `type` holding `values` as the members `ms`
+// (for instance a method's response members), built by the shared engine.
+template <class Members, class... V>
+std::vector<unsigned char> far_bytes(const Members& ms, Tm_message_type type, const V&... values) {
+    static const binding::ModuleRules rules{nullptr, true};
+    Message far;
+    binding::build_message(&far, rules, "", type, ms, true, values...);
+    return tmsg::encode(far);
+}
+
+// A fresh message that received `bytes`.
+inline Message received(const std::vector<unsigned char>& bytes) {
+    Message m;
+    tmsg::decode(bytes, m);
+    return m;
+}
+
+// far_bytes, received.
+template <class Members, class... V>
+Message received(const Members& ms, Tm_message_type type, const V&... values) {
+    return received(far_bytes(ms, type, values...));
+}
+
+// Replaces every occurrence of the text `from` in encoded bytes by `to` (same length, so
+// the encoding stays well formed); returns how many were replaced.
+inline int replace_text(std::vector<unsigned char>& bytes, const std::string& from, const std::string& to) {
+    if (from.size() != to.size() || from.empty()) return 0;
+    int found = 0;
+    for (auto it = bytes.begin();
+         (it = std::search(it, bytes.end(), from.begin(), from.end())) != bytes.end();) {
+        it = std::copy(to.begin(), to.end(), it);
+        ++found;
+    }
+    return found;
+}
 
 // --- one method --------------------------------------------------------------------------
 
