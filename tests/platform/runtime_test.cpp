@@ -1,0 +1,202 @@
+// Enumeration maps, getters by name and index, and ownership of handed-over values.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/Message.h"
+#include "platform/Tm_exception.h"
+#include "platform/tm_enum_map.h"
+
+namespace {
+
+constexpr auto R = Message::TMG_RECV;
+constexpr auto S = Message::TMG_SEND;
+
+const tm_enum_map kModes[] = {
+    {0, "INCREMENT"}, {1, "DECREMENT"}, {-7, "NEGATIVE"}, {5, "RANDOM"}, {0, nullptr}};
+
+TEST(EnumMap, ValueToName) {
+    const std::vector<std::pair<int, std::string>> cases = {
+        {0, "INCREMENT"}, {1, "DECREMENT"}, {-7, "NEGATIVE"},           {5, "RANDOM"},
+        {2, "2"},         {-1, "-1"},       {2147483647, "2147483647"}, {-2147483647 - 1, "-2147483648"},
+    };
+    for (const auto& [value, name] : cases) EXPECT_EQ(tms_enum_to_string(value, kModes), name) << value;
+    EXPECT_EQ(tms_enum_to_string(3, nullptr), "3");
+}
+
+TEST(EnumMap, NameToValue) {
+    const std::vector<std::pair<std::string, int>> cases = {
+        {"INCREMENT", 0},
+        {"RANDOM", 5},
+        {"NEGATIVE", -7},
+        {"42", 42},  // a number written for a value without a row
+        {"-3", -3},
+        {"2147483647", 2147483647},
+        {"-2147483648", -2147483647 - 1},
+        {"2147483648", -1},  // does not fit
+        {"99999999999999999999", -1},
+        {"increment", -1},  // names are case-sensitive
+        {"", -1},
+        {"-", -1},
+        {"12x", -1},
+        {" 12", -1},
+        {"+12", -1},
+    };
+    for (const auto& [text, value] : cases) EXPECT_EQ(tms_string_to_enum(text, kModes), value) << text;
+    EXPECT_EQ(tms_string_to_enum("7", nullptr), 7);
+}
+
+TEST(EnumMap, EveryRowSurvivesATripThroughItsName) {
+    for (const tm_enum_map* row = kModes; row->name; ++row) {
+        EXPECT_EQ(tms_string_to_enum(tms_enum_to_string(row->value, kModes), kModes), row->value);
+    }
+    EXPECT_EQ(tms_string_to_enum(tms_enum_to_string(1234, kModes), kModes), 1234);
+}
+
+template <class F>
+std::string thrown_text(F&& f) {
+    try {
+        f();
+    } catch (const Tm_exception& e) {
+        return e.what();
+    }
+    return "<nothing thrown>";
+}
+
+TEST(Getters, MissingMemberNamesTheMemberWrongKindIsAMismatch) {
+    Message m;
+    m.add_member(R, "count", 3u);
+    m.add_member(R, "name", std::string("x"));
+    struct Case {
+        const char* what;
+        std::function<void()> call;
+        std::string text;
+    };
+    const std::vector<Case> cases = {
+        {"missing scalar", [&] { m.get_member_uint32(R, "absent"); }, "no member named 'absent'"},
+        {"missing struct", [&] { m.get_member_struct(R, "rec"); }, "no member named 'rec'"},
+        {"other group", [&] { m.get_member_uint32(S, "count"); }, "no member named 'count'"},
+        {"wrong width", [&] { m.get_member_uint16(R, "count"); },
+         "type mismatch: found uint32 (5), wanted uint16 (3)"},
+        {"signedness", [&] { m.get_member_int32(R, "count"); },
+         "type mismatch: found uint32 (5), wanted int32 (4)"},
+        {"string as array", [&] { m.get_member_array(R, "name"); },
+         "type mismatch: found string (10), wanted array (12)"},
+    };
+    for (const Case& c : cases) EXPECT_EQ(thrown_text(c.call), c.text) << c.what;
+
+    try {
+        m.get_member_bool(R, "count");
+        ADD_FAILURE() << "no exception";
+    } catch (const Tm_type_mismatch_exception& e) {
+        EXPECT_EQ(e.found(), TMV_UINT32);
+        EXPECT_EQ(e.wanted(), TMV_BOOL);
+        EXPECT_FALSE(e.is_message_type());
+    }
+    EXPECT_EQ(m.get_member_index(R, "name"), 1);
+    EXPECT_EQ(m.get_member_index(R, "absent"), -1);
+}
+
+TEST(Getters, ArrayChecksKindThenIndex) {
+    Tm_array a;
+    a.add_member(1);
+    a.add_member("s");
+    EXPECT_EQ(thrown_text([&] { a.get_member_int32(2); }), "index 2 out of range [0, 1]");
+    EXPECT_EQ(thrown_text([&] { a.get_member_int32(-1); }), "index -1 out of range [0, 1]");
+    EXPECT_EQ(thrown_text([&] { a.get_member_string(0); }),
+              "type mismatch: found int32 (4), wanted string (10)");
+    EXPECT_EQ(a.get_member_string(1), "s");
+}
+
+TEST(Getters, MessageTypeMismatchNamesBothKinds) {
+    const Tm_type_mismatch_exception e(Message::TMT_REQUEST, Message::TMT_RESPONSE);
+    EXPECT_TRUE(e.is_message_type());
+    EXPECT_STREQ(e.what(), "type mismatch: found message type request (0), wanted message type response (1)");
+}
+
+// Counts live instances, so that a test can see that handed-over values are deleted.
+struct Counted : Tm_value {
+    static int live;
+    Counted() : Tm_value(TMV_STRING) { ++live; }
+    Counted(const Counted& o) : Tm_value(o) { ++live; }
+    ~Counted() override { --live; }
+    Tm_value* clone() const override { return new Counted(*this); }
+    bool equals(const Tm_value&) const override { return false; }
+    void accept(Tm_visitor& v) const override { v.visit_string("counted"); }
+};
+int Counted::live = 0;
+
+TEST(Ownership, HandedOverValuesAreDeletedOnEveryPath) {
+    const char* const names[] = {"first", nullptr};
+    struct Case {
+        const char* what;
+        std::function<void(Tm_value*)> hand_over;
+        bool refused;
+    };
+    Message m;
+    Tm_prenamed_struct p;
+    p.clear(names);
+    const std::vector<Case> cases = {
+        {"message, bad group",
+         [&](Tm_value* v) { m.add_member_and_own(static_cast<Message::TMG>(5), "x", v); }, true},
+        {"prenamed struct, index outside the names",
+         [&](Tm_value* v) { p.add_member_and_own(3, v, nullptr); }, true},
+        {"prenamed struct, negative index", [&](Tm_value* v) { p.add_member_and_own(-1, v, nullptr); }, true},
+        {"message, accepted", [&](Tm_value* v) { m.add_member_and_own(S, "x", v); }, false},
+        {"struct, accepted", [&](Tm_value* v) { p.add_member_and_own(0, v, nullptr); }, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        const int before = Counted::live;
+        if (c.refused) {
+            EXPECT_THROW(c.hand_over(new Counted), Tm_exception);
+            EXPECT_EQ(Counted::live, before);
+        } else {
+            c.hand_over(new Counted);
+            EXPECT_EQ(Counted::live, before + 1);
+        }
+    }
+    EXPECT_EQ(p.get_member_count(), 1);
+    m.clear(S);
+    p.clear(names);
+    EXPECT_EQ(Counted::live, 0);
+    EXPECT_THROW(m.add_member_and_own(S, "null", nullptr), Tm_exception);
+    EXPECT_EQ(m.get_member_count(S), 0);
+}
+
+TEST(Ownership, CopiesAreDeepAndIndependent) {
+    Message a;
+    auto* s = new Tm_struct;
+    s->add_member("v", 1);
+    a.add_member_and_own(S, "s", s);
+    Message b = a;
+    EXPECT_TRUE(b.equals(a));
+    a.clear(S);
+    EXPECT_EQ(b.get_member_struct(S, "s")->get_member_int32("v"), 1);
+    EXPECT_FALSE(b.equals(a));
+}
+
+TEST(PrenamedStruct, MembersAreNamedFromTheTableAndInternedInTheCatalog) {
+    const char* const names[] = {"alpha", "beta", nullptr};
+    Message m;
+    Tm_catalog<std::string>* catalog = m.get_send_member_string(S);
+    auto* p = new Tm_prenamed_struct;
+    p->clear(names);
+    EXPECT_EQ(p->get_names_count(), 2);
+    p->add_member(1, 5u, catalog);
+    p->add_member(0, std::string("a"), catalog);
+    EXPECT_EQ(thrown_text([&] { p->add_member(2, 1, catalog); }), "index 2 out of range [0, 1]");
+    m.add_member_and_own(S, "rec", p);
+    EXPECT_EQ(catalog->names(), (std::vector<std::string>{"beta", "alpha"}));
+    ASSERT_TRUE(m.create_send_member_string_meta());
+    EXPECT_EQ(catalog->names(), (std::vector<std::string>{"beta", "alpha", "rec"}));
+    const Tm_struct* rec = m.get_member_struct(S, "rec");
+    EXPECT_EQ(rec->get_member_name(0), "beta");
+    EXPECT_EQ(rec->get_member_uint32("beta"), 5u);
+    m.set_use_send_member_string(false);
+    EXPECT_FALSE(m.create_send_member_string_meta());
+}
+
+}  // namespace
