@@ -1,0 +1,249 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <utility>
+#include <vector>
+
+#include "common/di_unsigned.h"
+
+namespace {
+
+using vrm::common::di_addsub;
+using vrm::common::di_addunit;
+using vrm::common::di_unsigned;
+using vrm::common::di_unsignedtable;
+template <unsigned int BITS>
+using U = di_unsigned<unsigned int, unsigned char, BITS>;
+using Digits = std::vector<unsigned char>;
+
+// --- plain digit-by-digit references -------------------------------------------------------
+
+// dst += src over dst's digits; src is zero-extended or truncated. Returns the carry out.
+bool RefAdd(Digits& dst, const Digits& src) {
+    unsigned int carry = 0;
+    for (size_t i = 0; i < dst.size(); ++i) {
+        const unsigned int sum = dst[i] + (i < src.size() ? src[i] : 0u) + carry;
+        dst[i] = static_cast<unsigned char>(sum);
+        carry = sum >> 8;
+    }
+    return carry != 0;
+}
+
+// Full product from the products of 4-bit halves, added digit by digit.
+Digits RefMul(const Digits& a, const Digits& b) {
+    Digits r(a.size() + b.size(), 0);
+    for (size_t i = 0; i < a.size(); ++i) {
+        for (size_t j = 0; j < b.size(); ++j) {
+            const unsigned int al = a[i] & 15u, ah = a[i] >> 4, bl = b[j] & 15u, bh = b[j] >> 4;
+            unsigned int p = al * bl + ((al * bh + ah * bl) << 4) + ((ah * bh) << 8);
+            for (size_t k = i + j; p != 0 && k < r.size(); ++k) {
+                p += r[k];
+                r[k] = static_cast<unsigned char>(p);
+                p >>= 8;
+            }
+        }
+    }
+    return r;
+}
+
+template <unsigned int BITS>
+U<BITS> Random(std::mt19937_64& rng) {
+    U<BITS> v;
+    // Bias towards 0x00 and 0xFF digits so that long carry runs occur.
+    for (unsigned int i = 0; i < U<BITS>::kDigits; ++i) {
+        const auto r = rng();
+        v[i] = (r & 3) == 0 ? 0xFF : (r & 3) == 1 ? 0x00 : static_cast<unsigned char>(r >> 8);
+    }
+    return v;
+}
+
+template <unsigned int BITS>
+Digits ToDigits(const U<BITS>& v) {
+    return Digits(v.digits(), v.digits() + U<BITS>::kDigits);
+}
+
+constexpr int kRounds = 3000;
+
+template <unsigned int BITS, unsigned int SRC>
+void CheckAdd(std::mt19937_64& rng) {
+    for (int round = 0; round < kRounds; ++round) {
+        U<BITS> a = Random<BITS>(rng);
+        U<SRC> b = Random<SRC>(rng);
+        // Every other addend is the complement of the other operand's digits, plus a small
+        // low digit, so that the sum is all ones or carries through every digit.
+        if (round % 2 == 1) {
+            for (unsigned int i = 0; i < U<SRC>::kDigits; ++i) {
+                b[i] = static_cast<unsigned char>(i < U<BITS>::kDigits ? ~a[i] : b[i]);
+            }
+            b[0] = static_cast<unsigned char>(b[0] + round % 3);
+        }
+        Digits expected = ToDigits(a);
+        const bool carry = RefAdd(expected, ToDigits(b));
+        a += b;
+        ASSERT_EQ(ToDigits(a), expected) << BITS << "+" << SRC;
+        ASSERT_EQ(a.flag(), carry ? 1 : 0) << BITS << "+" << SRC;
+    }
+}
+
+template <unsigned int A, unsigned int B>
+void CheckMul(std::mt19937_64& rng) {
+    for (int round = 0; round < kRounds; ++round) {
+        const U<A> a = Random<A>(rng);
+        const U<B> b = Random<B>(rng);
+        const U<A + B> p = a * b;
+        ASSERT_EQ(ToDigits(p), RefMul(ToDigits(a), ToDigits(b))) << A << "x" << B;
+    }
+}
+
+template <unsigned int... N>
+void CheckAllWidths(std::mt19937_64& rng, std::integer_sequence<unsigned int, N...>) {
+    // Value widths 8..128 with equal, one-digit and four-digit operands; product widths
+    // 144..256.
+    (CheckAdd<8 * (N + 1), 8 * (N + 1)>(rng), ...);
+    (CheckAdd<8 * (N + 1), 8>(rng), ...);
+    (CheckAdd<8 * (N + 1), 32>(rng), ...);
+    (CheckAdd<16 * (N + 1), 16 * (N + 1)>(rng), ...);
+    (CheckMul<8 * (N + 1), 8 * (N + 1)>(rng), ...);
+    (CheckMul<8 * (N + 1), 32>(rng), ...);
+}
+
+TEST(DiUnsigned, WordArithmeticMatchesDigitReference) {
+    std::mt19937_64 rng(20240611);
+    CheckAllWidths(rng, std::make_integer_sequence<unsigned int, 16>{});
+    CheckMul<64, 128>(rng);
+    CheckMul<24, 40>(rng);
+}
+
+TEST(DiUnsigned, MaskTableIsFilledOnce) {
+    const auto& t = di_unsignedtable<unsigned int, unsigned char>::table;
+    const unsigned char expected[16] = {1, 2, 4, 8, 16, 32, 64, 128, 0, 1, 3, 7, 15, 31, 63, 127};
+    for (unsigned int i = 0; i < 16; ++i) EXPECT_EQ(t[i], expected[i]) << i;
+    EXPECT_EQ(t.halfDigitBits, 4u);
+    EXPECT_EQ(t.halfDigitMask, 15);
+    EXPECT_FALSE((di_unsignedtable<unsigned int, unsigned char>::Fill()));
+    EXPECT_EQ(t[9], 1);
+}
+
+TEST(DiUnsigned, HeadMaskFollowsTheWidth) {
+    EXPECT_EQ(U<32>().headmask(), 0);
+    EXPECT_EQ(U<1>().headmask(), 1);
+    EXPECT_EQ(U<12>().headmask(), 0x0F);
+    U<32> whole;
+    whole[3] = 0xFF;
+    whole.clearhead();
+    EXPECT_EQ(whole[3], 0xFF);
+    U<12> partial;
+    partial[1] = 0xFF;
+    partial.clearhead();
+    EXPECT_EQ(partial[1], 0x0F);
+}
+
+TEST(DiUnsigned, AddUnitCarries) {
+    struct {
+        unsigned char a, b, carryIn, digit, carryOut;
+    } const cases[] = {
+        {1, 2, 0, 3, 0},       {255, 1, 0, 0, 1},   {255, 0, 1, 0, 1}, {254, 0, 1, 255, 0},
+        {255, 255, 1, 255, 1}, {128, 128, 0, 0, 1}, {0, 0, 1, 1, 0},
+    };
+    for (const auto& c : cases) {
+        unsigned char carry = c.carryIn;
+        EXPECT_EQ(di_addunit(&carry, c.a, c.b), c.digit);
+        EXPECT_EQ(carry, c.carryOut);
+    }
+}
+
+TEST(DiUnsigned, AddEdgeCases) {
+    U<32> all;
+    for (unsigned int i = 0; i < 4; ++i) all[i] = 0xFF;
+    U<32> one;
+    one[0] = 1;
+    all += one;
+    EXPECT_TRUE(all.iszero());
+    EXPECT_EQ(all.flag(), 1);
+
+    // A one-digit addend carries through every higher digit.
+    U<32> wide;
+    wide[0] = 0xFF;
+    wide[1] = 0xFF;
+    wide[2] = 0xFF;
+    U<8> small;
+    small[0] = 1;
+    wide += small;
+    EXPECT_EQ(ToDigits(wide), (Digits{0, 0, 0, 1}));
+    EXPECT_EQ(wide.flag(), 0);
+
+    // Narrow destination: the head overflow is reported through the head mask.
+    unsigned char dst[2] = {0xFF, 0x0F};
+    const unsigned char src[3] = {0x01, 0x00, 0x77};
+    EXPECT_TRUE(di_addsub(dst, src, 2u, 3u, static_cast<unsigned char>(0x0F)));
+    EXPECT_EQ(dst[0], 0x00);
+    EXPECT_EQ(dst[1], 0x10);
+}
+
+TEST(DiUnsigned, NegationAndMasking) {
+    struct {
+        Digits value, negated;
+    } const cases[] = {
+        {{1, 0}, {0xFF, 0xFF}},
+        {{0, 0}, {0, 0}},
+        {{0x00, 0x80}, {0x00, 0x80}},
+        {{0x34, 0x12}, {0xCC, 0xED}},
+    };
+    for (const auto& c : cases) {
+        U<16> v;
+        v[0] = c.value[0];
+        v[1] = c.value[1];
+        v.negate();
+        EXPECT_EQ(ToDigits(v), c.negated);
+    }
+
+    U<16> a, b;
+    a[0] = 0xF0;
+    a[1] = 0x0F;
+    b[0] = 0x3C;
+    b[1] = 0x3C;
+    EXPECT_EQ(ToDigits(a & b), (Digits{0x30, 0x0C}));
+    a |= b;
+    EXPECT_EQ(ToDigits(a), (Digits{0xFC, 0x3F}));
+}
+
+TEST(DiUnsigned, ProductOfLargestFourByteValues) {
+    U<32> a;
+    for (unsigned int i = 0; i < 4; ++i) a[i] = 0xFF;
+    const U<64> p = a * a;
+    EXPECT_EQ(ToDigits(p), (Digits{0x01, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF}));
+    U<32> low;
+    low.assignlow(p);
+    EXPECT_EQ(ToDigits(low), (Digits{0x01, 0, 0, 0}));
+}
+
+TEST(DiUnsigned, ShiftAndNetworkOrder) {
+    struct {
+        Digits value;
+        unsigned int n;
+        Digits shifted;
+    } const cases[] = {
+        {{0xFF, 0x80}, 1, {0xFE, 0x01}},
+        {{0x81, 0x00}, 7, {0x80, 0x40}},
+        {{0x12, 0x34}, 0, {0x12, 0x34}},
+        {{0xF0, 0x0F}, 4, {0x00, 0xFF}},
+    };
+    for (const auto& c : cases) {
+        U<16> v;
+        v[0] = c.value[0];
+        v[1] = c.value[1];
+        v.leftshiftbit(c.n);
+        EXPECT_EQ(ToDigits(v), c.shifted) << c.n;
+    }
+
+    const unsigned char network[] = {0x0A, 0x0B, 0x0C, 0x0D};
+    U<32> v;
+    v.assignnetwork(network, 4);
+    EXPECT_EQ(ToDigits(v), (Digits{0x0D, 0x0C, 0x0B, 0x0A}));
+    unsigned char out[4] = {};
+    v.copynetwork(out);
+    EXPECT_EQ(Digits(out, out + 4), Digits(network, network + 4));
+}
+
+}  // namespace
