@@ -1,0 +1,219 @@
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "RangeReference.h"
+#include "common/RangeModifier.h"
+#include "common/StreamBlockModifiers.h"
+
+namespace {
+
+using Generator_3_bll::modifierData_s;
+using Generator_3_bll::modLinkDesc_s;
+using Generator_3_bll::rangeModifier_s;
+using Generator_3_bll::streamBlock_s;
+using Generator_3_bll::tableModifier_s;
+using range_reference::Bytes;
+using range_reference::MakeRange;
+using vrm::common::StreamBlockModifiers;
+
+rangeModifier_s Range(unsigned int modIndex, std::uint16_t offset, unsigned int recycle, bool stream = true) {
+    rangeModifier_s r =
+        MakeRange({0x10}, {0x01}, {0xFF}, 0, recycle, 0, stream, ("m" + std::to_string(modIndex)).c_str());
+    r.modIndex = modIndex;
+    r.offset = offset;
+    return r;
+}
+
+tableModifier_s Table(unsigned int modIndex, std::uint16_t offset, const std::vector<Bytes>& values) {
+    tableModifier_s t;
+    t.modIndex = modIndex;
+    t.offset = offset;
+    t.offsetReference = "t" + std::to_string(modIndex);
+    for (const Bytes& v : values) t.data.push_back(modifierData_s{v});
+    t.useStream = true;
+    return t;
+}
+
+// A block of three chained modifiers: table 5 (outer) -> range 2 (middle) -> range 9 (inner),
+// recorded out of modIndex order.
+streamBlock_s ChainBlock() {
+    streamBlock_s block;
+    block.name = "chain";
+    block.rangeModifiers = {Range(9, 2, 3), Range(2, 1, 2)};
+    block.rangeModifiers[1].recycleCount = 0;  // normalised to 1 by validation
+    block.rangeModifiers[1].stutterCount = 1;
+    block.tableModifiers = {Table(5, 0, {{0xAA}, {0xBB}})};
+    block.modLinks = {modLinkDesc_s{5, {2}}, modLinkDesc_s{2, {9}}};
+    return block;
+}
+
+TEST(StreamBlockModifiers, WholeBlockInFramesOutAndBackIntoTheBlock) {
+    const streamBlock_s in = ChainBlock();
+    StreamBlockModifiers mods(in);
+    ASSERT_EQ(mods.Size(), 3u);
+    EXPECT_EQ(mods.At(0).GetModIndex(), 2u);
+    EXPECT_EQ(mods.At(1).GetModIndex(), 5u);
+    EXPECT_EQ(mods.At(2).GetModIndex(), 9u);
+    EXPECT_EQ(mods.Find(7), nullptr);
+    EXPECT_THROW(mods.At(3), std::out_of_range);
+
+    std::ostringstream errors;
+    ASSERT_TRUE(mods.Validate(&errors)) << errors.str();
+    EXPECT_EQ(errors.str(), "");
+    // inner: 3 frames; middle: 1 value * 2 repeats * 3 = 6; outer: 2 values * 6 = 12.
+    EXPECT_EQ(mods.Find(9)->GetEffectiveRecycleCount(), 3u);
+    EXPECT_EQ(mods.Find(2)->GetEffectiveRecycleCount(), 6u);
+    EXPECT_EQ(mods.Find(5)->GetEffectiveRecycleCount(), 12u);
+    EXPECT_EQ(mods.Root().GetEffectiveRecycleCount(), 12u);
+    EXPECT_TRUE(mods.Root().IsStreamModifier());
+
+    mods.SetFieldParamsFromFrameStart(4);
+    mods.Reset();
+    std::vector<Bytes> frames;
+    for (unsigned int f = 0; f < 14; ++f) {
+        Bytes frame(4, 0xEE);
+        mods.ModifyBytes(frame);
+        frames.push_back(frame);
+        Bytes indexed(4, 0xEE);
+        mods.ModifyBytesAtIndex(indexed, f);
+        EXPECT_EQ(indexed, frame) << f;
+        mods.Next();
+    }
+    for (unsigned int f = 0; f < 14; ++f) {
+        const unsigned char outer = (f % 12) < 6 ? 0xAA : 0xBB;
+        const unsigned char inner = static_cast<unsigned char>(0x10 + f % 3);
+        EXPECT_EQ(frames[f], (Bytes{outer, 0x10, inner, 0xEE})) << f;
+    }
+
+    streamBlock_s out = in;
+    out.rangeModifiers.push_back(rangeModifier_s{});
+    mods.ToRpc(out);
+    streamBlock_s expected = in;
+    expected.rangeModifiers[1].recycleCount = 1;
+    EXPECT_EQ(out, expected);
+}
+
+TEST(StreamBlockModifiers, NarrowedModifierWritesItsNarrowedForm) {
+    streamBlock_s block;
+    rangeModifier_s wide =
+        MakeRange(Bytes(8, 1), {0, 0, 0, 0, 0, 0, 0, 1}, Bytes(8, 0xFF), 0, 5, 0, true, "w");
+    wide.modIndex = 1;
+    block.rangeModifiers = {wide};
+    StreamBlockModifiers mods(block);
+    ASSERT_TRUE(mods.Validate(nullptr));
+    mods.SetFieldParamsFromFrameStart(16);
+    auto* range = dynamic_cast<vrm::common::RangeModifier*>(mods.Find(1));
+    ASSERT_NE(range, nullptr);
+    ASSERT_TRUE(range->MakeVfdCompatible());
+    streamBlock_s out;
+    mods.ToRpc(out);
+    ASSERT_EQ(out.rangeModifiers.size(), 1u);
+    EXPECT_EQ(out.rangeModifiers[0].initialValue.data, Bytes(4, 1));
+    EXPECT_EQ(out.rangeModifiers[0].offset, 4);
+}
+
+struct LinkCase {
+    const char* label;
+    std::vector<modLinkDesc_s> links;
+    std::string text;
+};
+
+TEST(StreamBlockModifiers, LinkProblemsAreValidationFailures) {
+    const std::vector<LinkCase> cases = {
+        {"unknown parent", {{7, {1}}}, "Modifier link from modIndex 7 refers to an unknown modIndex.\n"},
+        {"unknown child",
+         {{1, {2, 8}}},
+         "Modifier link from modIndex 1 to modIndex 8 refers to an unknown modIndex.\n"},
+        {"self", {{2, {2}}}, "Modifier link from modIndex 2 to modIndex 2 links a modifier to itself.\n"},
+        {"two-step cycle",
+         {{1, {2}}, {2, {1}}},
+         "Modifier link from modIndex 2 to modIndex 1 would make a cycle.\n"},
+        {"three-step cycle",
+         {{1, {2}}, {2, {3}}, {3, {1}}},
+         "Modifier link from modIndex 3 to modIndex 1 would make a cycle.\n"},
+        {"listed twice", {{1, {2, 2}}}, "Modifier link from modIndex 1 to modIndex 2 is listed twice.\n"},
+        {"stream mix",
+         {{1, {4}}},
+         "Modifier link from modIndex 1 to modIndex 4 joins stream and non-stream modifiers.\n"
+         "Modifier m1 (modIndex 1) cannot be hung under the root: stream and non-stream modifiers are mixed "
+         "at "
+         "the top.\n"
+         "Modifier m2 (modIndex 2) cannot be hung under the root: stream and non-stream modifiers are mixed "
+         "at "
+         "the top.\n"
+         "Modifier m3 (modIndex 3) cannot be hung under the root: stream and non-stream modifiers are mixed "
+         "at "
+         "the top.\n"},
+    };
+    for (const auto& c : cases) {
+        streamBlock_s block;
+        block.rangeModifiers = {Range(1, 0, 2), Range(2, 1, 3), Range(3, 2, 4)};
+        if (std::string(c.label) == "stream mix") block.rangeModifiers.push_back(Range(4, 3, 5, false));
+        block.modLinks = c.links;
+        StreamBlockModifiers mods(block);
+        std::ostringstream errors;
+        EXPECT_FALSE(mods.Validate(&errors)) << c.label;
+        EXPECT_EQ(errors.str(), c.text) << c.label;
+        EXPECT_FALSE(mods.Validate(nullptr)) << c.label;
+        // The valid links stay usable: frames can still be made.
+        mods.SetFieldParamsFromFrameStart(8);
+        mods.Reset();
+        Bytes frame(8, 0);
+        mods.ModifyBytes(frame);
+        mods.Next();
+    }
+}
+
+TEST(StreamBlockModifiers, TwoParentsAndDuplicateIndexes) {
+    streamBlock_s block;
+    block.rangeModifiers = {Range(1, 0, 2), Range(2, 1, 3), Range(3, 2, 5)};
+    block.modLinks = {{1, {3}}, {2, {3}}};
+    StreamBlockModifiers shared(block);
+    std::ostringstream errors;
+    EXPECT_TRUE(shared.Validate(&errors)) << errors.str();
+    EXPECT_EQ(shared.Find(1)->GetEffectiveRecycleCount(), 10u);
+    EXPECT_EQ(shared.Find(2)->GetEffectiveRecycleCount(), 15u);
+    EXPECT_EQ(shared.Root().GetEffectiveRecycleCount(), 30u);
+
+    block.rangeModifiers.push_back(Range(2, 3, 7));
+    block.modLinks.clear();
+    StreamBlockModifiers duplicate(block);
+    errors.str("");
+    EXPECT_FALSE(duplicate.Validate(&errors));
+    EXPECT_EQ(errors.str(), "Modifier modIndex 2 is used by more than one modifier.\n");
+}
+
+TEST(StreamBlockModifiers, ModifierFailuresAreAllReported) {
+    streamBlock_s block;
+    block.rangeModifiers = {MakeRange({1}, {1}, {1, 1}, 0, 1, 0, true, "a"),
+                            MakeRange({1}, {1}, {1}, 7, 1, 0, true, "b")};
+    block.rangeModifiers[1].modIndex = 1;
+    block.tableModifiers = {Table(2, 0, {{1}, {1, 2}})};
+    StreamBlockModifiers mods(block);
+    std::ostringstream errors;
+    EXPECT_FALSE(mods.Validate(&errors));
+    EXPECT_EQ(errors.str(),
+              "Modifier a initial, step and mask value do not match.\n"
+              "Modifier b mode is invalid.\n"
+              "Modifier t2 data size is not consistent.\n");
+    EXPECT_THROW(mods.Reset(), std::logic_error);
+    EXPECT_THROW(mods.SetFieldParams(3, 0, 8), std::invalid_argument);
+}
+
+TEST(StreamBlockModifiers, EmptyBlock) {
+    StreamBlockModifiers mods{streamBlock_s{}};
+    EXPECT_TRUE(mods.Validate(nullptr));
+    EXPECT_EQ(mods.Size(), 0u);
+    EXPECT_EQ(mods.Root().GetEffectiveRecycleCount(), 1u);
+    Bytes frame{1, 2};
+    mods.Reset();
+    mods.ModifyBytes(frame);
+    mods.Next();
+    EXPECT_EQ(frame, (Bytes{1, 2}));
+}
+
+}  // namespace
