@@ -24,6 +24,12 @@ namespace tm_backed_detail {
     throw Tm_exception(std::string(operation) + "() is not supported by backed arrays");
 }
 
+// The index check of Tm_array::check_index, inline: it runs once per element when an
+// array is encoded or rendered.
+inline void check_index(int index, int count) {
+    if (index < 0 || index >= count) throw Tm_out_of_range_exception(index, 0, count - 1);
+}
+
 inline int checked_count(int count) {
     if (count < 0) throw Tm_out_of_range_exception(count, 0, INT_MAX);
     return count;
@@ -97,7 +103,7 @@ void visit_scalar(TMV tag, const V& v, Tm_visitor& visitor) {
         tm_backed_detail::refuse("add_member_and_own");                                                      \
     }                                                                                                        \
     TMV get_member_value_type(int index) const override {                                                    \
-        check_index(index, get_member_count());                                                              \
+        tm_backed_detail::check_index(index, element_count());                                               \
         return m_tag;                                                                                        \
     }                                                                                                        \
     signed char get_member_int8(int i) const override {                                                      \
@@ -154,7 +160,7 @@ class Tm_backed_array : public Tm_array {
     void reserve(int) override { tm_backed_detail::refuse("reserve"); }
     int get_member_count() const override { return m_count; }
     void item_accept(int index, Tm_visitor& visitor) const override {
-        check_index(index, m_count);
+        tm_backed_detail::check_index(index, m_count);
         tm_backed_detail::visit_scalar(m_tag, *(m_begin + index), visitor);
     }
 
@@ -167,11 +173,12 @@ class Tm_backed_array : public Tm_array {
     // is the array's tag, then Tm_out_of_range_exception(index, 0, count - 1).
     Iter get_member_iterator(TMV wanted, int index) const {
         if (wanted != m_tag) throw Tm_type_mismatch_exception(m_tag, wanted);
-        check_index(index, m_count);
+        tm_backed_detail::check_index(index, m_count);
         return m_begin + index;
     }
 
   private:
+    int element_count() const { return m_count; }
     value_type element(TMV wanted, int index) const { return *get_member_iterator(wanted, index); }
 
     Iter m_begin;
@@ -194,9 +201,9 @@ class Tm_copy_backed_array : public Tm_array {
     // Never equal to anything, itself included.
     bool equals(const Tm_value&) const override { return false; }
     void accept(Tm_visitor& visitor) const override { Tm_array::accept(visitor); }
-    int get_member_count() const override { return static_cast<int>(m_values.size()); }
+    int get_member_count() const override { return element_count(); }
     void item_accept(int index, Tm_visitor& visitor) const override {
-        check_index(index, get_member_count());
+        tm_backed_detail::check_index(index, element_count());
         tm_backed_detail::visit_scalar(m_tag, static_cast<T>(m_values[static_cast<std::size_t>(index)]),
                                        visitor);
     }
@@ -209,11 +216,12 @@ class Tm_copy_backed_array : public Tm_array {
     // The element at `index`, checked like Tm_backed_array::get_member_iterator.
     T get_member(TMV wanted, int index) const {
         if (wanted != m_tag) throw Tm_type_mismatch_exception(m_tag, wanted);
-        check_index(index, get_member_count());
+        tm_backed_detail::check_index(index, element_count());
         return m_values[static_cast<std::size_t>(index)];
     }
 
   private:
+    int element_count() const { return static_cast<int>(m_values.size()); }
     T element(TMV wanted, int index) const { return get_member(wanted, index); }
 
     std::vector<T> m_values;

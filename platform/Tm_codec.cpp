@@ -256,14 +256,14 @@ class Encoder final : public Tm_visitor {
     // container's element kind.
     void item(int kind) {
         Frame& f = m_stack.back();
-        if (f.remaining <= 0) throw Tm_exception("encode: more items than the container announced");
+        if (f.remaining <= 0 || (!f.tagged && f.elementKind != kind)) bad_item(f, kind);
         --f.remaining;
-        if (f.tagged) {
-            m_w.u8(static_cast<unsigned int>(kind));
-        } else if (f.elementKind != kind) {
-            throw Tm_exception("encode: item of kind " + kind_text(kind) + " in a container of " +
-                               kind_text(f.elementKind));
-        }
+        if (f.tagged) m_w.u8(static_cast<unsigned int>(kind));
+    }
+    [[noreturn]] static void bad_item(const Frame& f, int kind) {
+        if (f.remaining <= 0) throw Tm_exception("encode: more items than the container announced");
+        throw Tm_exception("encode: item of kind " + kind_text(kind) + " in a container of " +
+                           kind_text(f.elementKind));
     }
     static int nested_level(int level) {
         if (level > kMaxDepth) {

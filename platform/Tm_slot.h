@@ -20,7 +20,10 @@ public:
     Slot& operator=(Slot&& o) noexcept;
     Slot(const Slot&) = delete;
     Slot& operator=(const Slot&) = delete;
-    ~Slot() { reset(); }
+    // Inline: arrays of scalars destroy one slot per element.
+    ~Slot() {
+        if (!tmv_is_scalar(m_kind)) delete m_u.p;
+    }
 
     Slot clone() const;
     bool equals(const Slot& o) const;
