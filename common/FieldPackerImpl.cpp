@@ -12,6 +12,44 @@ namespace {
 // Bytes needed for a number of bits.
 inline std::uint64_t Ceil8(std::uint64_t bits) { return (bits >> 3) + (bits % 8 != 0 ? 1 : 0); }
 
+// The per-frame work lives in these internal functions so that the compiler can inline it into
+// the public operations (member functions of a shared library are called through its
+// symbol table otherwise).
+
+// Copies `required` bytes of `in` right-aligned into the `size` window bytes of `out` and
+// shifts the window left by `shift` bits. The window is at most one byte longer than the
+// copied bytes; that byte starts from zero.
+inline void AlignValue(const unsigned char* in, unsigned char* out, unsigned int size, unsigned int required,
+                       unsigned int shift) {
+    const unsigned int lead = size - required;
+    if (lead != 0) out[0] = 0;
+    for (unsigned int i = 0; i < required; ++i) out[lead + i] = in[i];
+    if (shift != 0) {
+        const unsigned int back = 8u - shift;
+        for (unsigned int i = 0; i + 1 < size; ++i) {
+            out[i] = static_cast<unsigned char>((out[i] << shift) | (out[i + 1] >> back));
+        }
+        out[size - 1] = static_cast<unsigned char>(out[size - 1] << shift);
+    }
+}
+
+// Replaces (or, in xor mode, toggles by the value) the bits of `dst` selected by `mask`.
+inline void MergeBytes(unsigned char* dst, const unsigned char* mask, const unsigned char* value,
+                       unsigned int size, bool xorMode) {
+    if (xorMode) {
+        for (unsigned int i = 0; i < size; ++i) {
+            const unsigned int b = dst[i];
+            const unsigned int m = mask[i];
+            dst[i] = static_cast<unsigned char>(((b ^ value[i]) & m) | (b & ~m));
+        }
+    } else {
+        for (unsigned int i = 0; i < size; ++i) {
+            const unsigned int m = mask[i];
+            dst[i] = static_cast<unsigned char>((m & value[i]) | (~m & dst[i]));
+        }
+    }
+}
+
 }  // namespace
 
 // The range checks below are made in 64-bit arithmetic so that no combination of 32-bit
@@ -122,11 +160,18 @@ unsigned int FieldPackerImpl::GetFieldBitLength() const {
 
 unsigned int FieldPackerImpl::GetFieldBitLengthOrig() const { return m_bitLengthOrig; }
 
+// CheckBytes, CreateApplyValue and the internal StuffBytes, with the checks' passing case and
+// the byte work inlined.
 void FieldPackerImpl::StuffBytes(std::vector<unsigned char>& frame, std::vector<unsigned char>& value,
                                  bool xorMode) {
-    CheckBytes(static_cast<unsigned int>(frame.size()));
-    CreateApplyValue(value);
-    StuffBytes(frame, m_absoluteOffset, xorMode);
+    const std::size_t frameSize = frame.size();
+    if (!(m_absoluteOffset < frameSize && std::uint64_t{m_absoluteOffset} + m_size <= frameSize)) {
+        CheckBytes(static_cast<unsigned int>(frameSize));
+    }
+    const unsigned char* in = ApplyValueSource(value);
+    unsigned char* window = m_applyValue.data();
+    AlignValue(in, window, m_size, m_requiredValueSize, m_shift);
+    MergeBytes(frame.data() + m_absoluteOffset, m_applyMask.data(), window, m_size, xorMode);
 }
 
 void FieldPackerImpl::GetBytes(std::vector<unsigned char>& out, std::vector<unsigned char>& value,
@@ -134,11 +179,22 @@ void FieldPackerImpl::GetBytes(std::vector<unsigned char>& out, std::vector<unsi
     CreateApplyValue(value);
     if (!append) {
         out.assign(m_size, 0);
-        StuffBytes(out, 0, false);
+        MergeBytes(out.data(), m_applyMask.data(), m_applyValue.data(), m_size, false);
     } else {
-        StuffBytes(m_scratch, 0, false);
+        MergeBytes(m_scratch.data(), m_applyMask.data(), m_applyValue.data(), m_size, false);
         out.insert(out.end(), m_scratch.begin(), m_scratch.end());
     }
+}
+
+// ValidateValueSize, then the first value byte that CreateValue packs.
+const unsigned char* FieldPackerImpl::ApplyValueSource(const std::vector<unsigned char>& value) const {
+    const std::size_t size = value.size();
+    if (size < std::uint64_t{m_requiredValueSize} + m_offsetAdjust) {
+        ValidateValueSize(static_cast<unsigned int>(size));
+    }
+    std::size_t start = m_offsetAdjust;
+    if (m_offsetAdjust == 0 && !m_fixedValueOffset) start = size - m_requiredValueSize;
+    return value.data() + start;
 }
 
 void FieldPackerImpl::ZeroBytes(std::vector<unsigned char>& frame) {
@@ -207,22 +263,7 @@ void FieldPackerImpl::CreateValue(const std::vector<unsigned char>& src,
                                   std::vector<unsigned char>& dst) const {
     std::size_t start = m_offsetAdjust;
     if (m_offsetAdjust == 0 && !m_fixedValueOffset) start = src.size() - m_requiredValueSize;
-
-    // Right-align the packed bytes in the window; the byte in front of them (present when the
-    // shift pulls bits into it) starts from zero.
-    const unsigned int lead = m_size - m_requiredValueSize;
-    unsigned char* out = dst.data();
-    const unsigned char* in = src.data() + start;
-    for (unsigned int i = 0; i < lead; ++i) out[i] = 0;
-    for (unsigned int i = 0; i < m_requiredValueSize; ++i) out[lead + i] = in[i];
-
-    if (m_shift != 0) {
-        const unsigned int back = 8u - m_shift;
-        for (unsigned int i = 0; i + 1 < m_size; ++i) {
-            out[i] = static_cast<unsigned char>((out[i] << m_shift) | (out[i + 1] >> back));
-        }
-        out[m_size - 1] = static_cast<unsigned char>(out[m_size - 1] << m_shift);
-    }
+    AlignValue(src.data() + start, dst.data(), m_size, m_requiredValueSize, m_shift);
 }
 
 void FieldPackerImpl::CreateApplyValue(std::vector<unsigned char>& value) {
@@ -271,21 +312,7 @@ void FieldPackerImpl::CheckWindowSize(unsigned char offset, unsigned char size) 
 }
 
 void FieldPackerImpl::StuffBytes(std::vector<unsigned char>& frame, unsigned int byteOffset, bool xorMode) {
-    unsigned char* dst = frame.data() + byteOffset;
-    const unsigned char* mask = m_applyMask.data();
-    const unsigned char* value = m_applyValue.data();
-    if (xorMode) {
-        for (unsigned int i = 0; i < m_size; ++i) {
-            const unsigned int b = dst[i];
-            const unsigned int m = mask[i];
-            dst[i] = static_cast<unsigned char>(((b ^ value[i]) & m) | (b & ~m));
-        }
-    } else {
-        for (unsigned int i = 0; i < m_size; ++i) {
-            const unsigned int m = mask[i];
-            dst[i] = static_cast<unsigned char>((m & value[i]) | (~m & dst[i]));
-        }
-    }
+    MergeBytes(frame.data() + byteOffset, m_applyMask.data(), m_applyValue.data(), m_size, xorMode);
 }
 
 }  // namespace common

@@ -47,6 +47,7 @@ class FieldPackerImpl : public FieldPacker {
     void CalcApplyMaskAndValueSize(const std::vector<unsigned char>* mask);
     void CreateValue(const std::vector<unsigned char>& src, std::vector<unsigned char>& dst) const;
     void CreateApplyValue(std::vector<unsigned char>& value);
+    const unsigned char* ApplyValueSource(const std::vector<unsigned char>& value) const;
     void ValidateValueSize(unsigned int size) const;
     void CheckBytes(unsigned int size) const;
     void CheckWindowSize(unsigned char offset, unsigned char size) const;

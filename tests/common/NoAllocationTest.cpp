@@ -1,0 +1,136 @@
+// Per-frame operations must not allocate: global operator new is counted while a probe is
+// active.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "common/FieldPacker.h"
+#include "common/GenericRangeModifier.h"
+#include "common/Modifier.h"
+
+namespace {
+
+bool g_counting = false;
+int g_allocations = 0;
+// Called through a pointer so that the compiler does not pair the inlined release with the
+// allocation it sees at the call site.
+void (*volatile g_release)(void*) = std::free;
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    if (g_counting) ++g_allocations;
+    if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
+    throw std::bad_alloc();
+}
+void operator delete(void* p) noexcept { g_release(p); }
+void operator delete(void* p, std::size_t) noexcept { g_release(p); }
+
+namespace {
+
+using vrm::common::FieldPacker;
+using vrm::common::Modifier;
+using Bytes = std::vector<unsigned char>;
+
+template <class F>
+int AllocationsOf(F&& f) {
+    g_allocations = 0;
+    g_counting = true;
+    f();
+    g_counting = false;
+    return g_allocations;
+}
+
+class CountingModifier : public Modifier {
+  public:
+    bool Validate(std::ostringstream*) override { return true; }
+    void ToRpc(Generator_3_bll::streamBlock_s&) override {}
+    bool IsStreamModifier() const override { return true; }
+    void SetEnableStream(bool) override {}
+    void SetStutterCount(unsigned int) override {}
+    unsigned int GetStutterCount() const override { return 0; }
+    void SetTotalCount(unsigned int) override {}
+    unsigned int GetTotalCount() const override { return 0; }
+    unsigned int GetRelativeOffset() const override { return 0; }
+    std::string GetOffsetReference() const override { return {}; }
+    unsigned char GetDataSizeInBytes() const override { return 4; }
+    void Reset() override { m_counter = 0; }
+    void Next() override { ++m_counter; }
+    void GetValue(Bytes& value) override { GetValueAt(value, m_counter); }
+    void GetValueAt(Bytes& value, unsigned int index) override {
+        value.resize(4);
+        for (int i = 0; i < 4; ++i) value[i] = static_cast<unsigned char>(index >> (24 - 8 * i));
+    }
+
+  private:
+    unsigned int m_counter = 0;
+};
+
+TEST(NoAllocation, PackerOperations) {
+    for (unsigned int offset : {96u, 99u}) {
+        auto packer = FieldPacker::CreateImpl(offset, 32, 0, 4, 0, 0, false, nullptr);
+        Bytes frame(128, 0);
+        Bytes value = {1, 2, 3, 4};
+        Bytes out;
+        out.reserve(64);
+        EXPECT_EQ(AllocationsOf([&] {
+                      for (int i = 0; i < 10; ++i) {
+                          packer->StuffBytes(frame, value, false);
+                          packer->StuffBytes(frame, value, true);
+                          packer->GetBytes(out, value, false);
+                          packer->ZeroBytes(frame);
+                          packer->ZeroBytes(frame, 0, 1);
+                      }
+                  }),
+                  0);
+    }
+}
+
+TEST(NoAllocation, ModifierFrameOperations) {
+    CountingModifier m;
+    m.SetFieldParams(99, 32);
+    Bytes frame(128, 0);
+    m.ModifyBytes(frame, false);  // the value buffer gets its size
+    EXPECT_EQ(AllocationsOf([&] {
+                  for (unsigned int i = 0; i < 100; ++i) {
+                      m.Next();
+                      m.ModifyBytes(frame, i % 2 == 0);
+                      m.ModifyBytesAtIndex(frame, i * 3);
+                  }
+              }),
+              0);
+}
+
+TEST(NoAllocation, Generators) {
+    using vrm::common::GenericRandomModifierImpl;
+    using vrm::common::GenericRangeModifierImpl;
+    using vrm::common::GenericShuffleModifierImpl;
+    using Value = GenericRangeModifierImpl<16>::value_type;
+    Value one;
+    one[0] = 1;
+    GenericRangeModifierImpl<16> range(one, one, one, 1);
+    GenericShuffleModifierImpl<16> shuffle(one, one, one, 1, 7);
+    GenericRandomModifierImpl<16> random(one, one, 1);
+    Value out;
+    random.GetValueAt(1000000, out);  // builds the jump tables
+    EXPECT_EQ(AllocationsOf([&] {
+                  for (unsigned int i = 0; i < 100; ++i) {
+                      range.GetNextValue(out);
+                      range.GetValueAt(i * 977, out);
+                      shuffle.GetNextValue(out);
+                      shuffle.GetValueAt(i * 977, out);
+                      random.GetNextValue(out);
+                      random.GetValueAt(i * 977777, out);
+                      random.SetReadCursor(i * 977777);
+                  }
+              }),
+              0);
+}
+
+}  // namespace
