@@ -7,6 +7,7 @@
 #include <random>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "binding/Describe.h"
@@ -38,7 +39,7 @@ public:
         } else if constexpr (binding::IsVector<T>::value) {
             v.clear();
             v.resize(m_rng() % 3);
-            for (auto& e : v) fill(e);
+            fill_elements(v);
         } else if constexpr (binding::is_record<T>) {
             fill_record(v);
         } else {
@@ -50,7 +51,7 @@ public:
     void fill(T& v, binding::Bounded<N>) {
         v.clear();
         v.resize(m_rng() % (N < 3 ? N + 1 : 4));
-        for (auto& e : v) fill(e);
+        fill_elements(v);
     }
 
     template <class T, class W>
@@ -91,6 +92,15 @@ public:
     uint32_t next() { return static_cast<uint32_t>(m_rng()); }
 
 private:
+    // Element by element through a temporary, so that std::vector<bool> works too.
+    template <class V>
+    void fill_elements(V& v) {
+        for (std::size_t i = 0; i < v.size(); ++i) {
+            typename V::value_type e{};
+            fill(e);
+            v[i] = std::move(e);
+        }
+    }
     int pick(const tm_enum_map* map) {
         int n = 0;
         while (map[n].name) ++n;
