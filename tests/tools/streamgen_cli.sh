@@ -1,0 +1,244 @@
+#!/usr/bin/env bash
+# Command-line tests of streamgen.
+#   streamgen_cli.sh STREAMGEN EXAMPLES_DIR WORK_DIR CASE
+# Exit 0 pass, 1 fail, 77 skipped.
+set -uo pipefail
+SG=$1
+EX=$2
+WORK=$3
+CASE=$4
+rm -rf "$WORK" && mkdir -p "$WORK" || exit 1
+cd "$WORK" || exit 1
+
+failures=0
+fail() {
+    echo "FAIL: $*" >&2
+    failures=$((failures + 1))
+}
+
+# run EXPECTED_STATUS CMD... : runs streamgen, keeps stdout in out.txt and stderr in err.txt.
+run() {
+    local want=$1
+    shift
+    "$SG" "$@" >out.txt 2>err.txt
+    local got=$?
+    if [ "$got" -ne "$want" ]; then
+        fail "streamgen $* exited $got, expected $want; stderr: $(head -c 400 err.txt)"
+        return 1
+    fi
+    return 0
+}
+
+# has FILE TEXT: FILE contains TEXT (fixed string).
+has() {
+    grep -qF -- "$2" "$1" || fail "$1 lacks '$2' ($(head -c 300 "$1"))"
+}
+
+GOOD_EXAMPLES=(ipv4-udp ipv6-dst vlan-table)
+
+case_help() {
+    local cmd
+    run 0 --help && has out.txt "Example"
+    for cmd in validate values frames request decode describe; do
+        run 0 "$cmd" --help && has out.txt "Example"
+    done
+    run 2
+    run 2 nosuchcommand
+    run 2 values
+}
+
+case_validate() {
+    local ex
+    for ex in "${GOOD_EXAMPLES[@]}"; do
+        run 0 validate "$EX/$ex.json" && has out.txt "valid:"
+    done
+    # The library's lines, exactly as it writes them.
+    if run 1 validate "$EX/invalid.json"; then
+        has out.txt "Modifier ipv4.src initial, step and mask value do not match."
+        has out.txt "Streamblocks with stream generation disabled need device modifiers to have total device count as multiple of (recycle count * (repeat count + 1)). Modifier udp.sport, Total count 10, Recycle count 4, Repeat count 0."
+        has out.txt "Modifier ipv4.dst data size is not consistent."
+    fi
+    # Commands that need a valid block refuse an invalid one with status 1.
+    run 1 values "$EX/invalid.json"
+    run 1 request "$EX/invalid.json"
+    run 1 frames "$EX/invalid.json" -o invalid.pcap
+}
+
+case_values_agree() {
+    local ex n
+    for ex in "${GOOD_EXAMPLES[@]}"; do
+        for n in 1 7 300; do
+            run 0 values "$EX/$ex.json" --count "$n" && mv out.txt step.txt
+            run 0 values "$EX/$ex.json" --count "$n" --at && mv out.txt at.txt
+            [ "$(wc -l <step.txt)" -eq "$n" ] || fail "$ex: values --count $n printed $(wc -l <step.txt) lines"
+            cmp -s step.txt at.txt || fail "$ex: values and values --at differ for $n frames: $(diff step.txt at.txt | head -5)"
+        done
+    done
+    # The first line: index 0, then one hex value per modifier in modIndex order.
+    run 0 values "$EX/ipv4-udp.json" --count 2
+    [ "$(head -1 out.txt | cut -d' ' -f1-2)" = "0 c0000201" ] || fail "ipv4-udp first line: $(head -1 out.txt)"
+    run 0 values "$EX/vlan-table.json" --count 4
+    [ "$(tr '\n' ' ' <out.txt)" = "0 0064 1 0064 2 00c8 3 00c8 " ] || fail "vlan-table lines: $(cat out.txt)"
+    # Without --count: host.frames of the example.
+    run 0 values "$EX/vlan-table.json" && [ "$(wc -l <out.txt)" -eq 20 ] || fail "vlan-table default count"
+}
+
+case_values_start() {
+    local ex
+    for ex in "${GOOD_EXAMPLES[@]}"; do
+        run 0 values "$EX/$ex.json" --count 120 && tail -n 50 out.txt >tail.txt
+        run 0 values "$EX/$ex.json" --start 70 --count 50 && mv out.txt step.txt
+        run 0 values "$EX/$ex.json" --start 70 --count 50 --at && mv out.txt at.txt
+        cmp -s tail.txt step.txt || fail "$ex: --start 70 (stepping) differs from lines 70..119"
+        cmp -s tail.txt at.txt || fail "$ex: --start 70 --at differs from lines 70..119"
+    done
+    run 2 values "$EX/ipv4-udp.json" --start 4294967295 --count 2
+}
+
+case_frames_threads() {
+    local ex t
+    for ex in "${GOOD_EXAMPLES[@]}"; do
+        run 0 frames "$EX/$ex.json" -o "$ex-1.pcap" --count 1001 --threads 1
+        for t in 2 3 7; do
+            run 0 frames "$EX/$ex.json" -o "$ex-$t.pcap" --count 1001 --threads "$t"
+            cmp -s "$ex-1.pcap" "$ex-$t.pcap" || fail "$ex: $t threads give another file than 1 thread"
+        done
+    done
+    # Fewer frames than threads, and none.
+    run 0 frames "$EX/ipv4-udp.json" -o a.pcap --count 3 --threads 1
+    run 0 frames "$EX/ipv4-udp.json" -o b.pcap --count 3 --threads 8
+    cmp -s a.pcap b.pcap || fail "3 frames with 8 threads differ"
+    run 0 frames "$EX/ipv4-udp.json" -o zero.pcap --count 0
+    [ "$(stat -c %s zero.pcap)" -eq 24 ] || fail "an empty capture is not just the 24-byte header"
+    run 2 frames "$EX/ipv4-udp.json" -o c.pcap --threads 0
+}
+
+case_frames_file() {
+    run 0 frames "$EX/ipv4-udp.json" -o f.pcap --count 100 || return
+    # The summary line: frames, bytes, seconds, frames per second.
+    [ "$(wc -l <out.txt)" -eq 1 ] || fail "frames printed more than one line"
+    has out.txt "100 frames, 7624 bytes in "
+    has out.txt "frames/s"
+    [ "$(stat -c %s f.pcap)" -eq $((24 + 100 * (16 + 60))) ] || fail "f.pcap has $(stat -c %s f.pcap) bytes"
+    # Little-endian microsecond pcap, Ethernet link type.
+    [ "$(od -An -tx1 -N4 f.pcap | tr -d ' ')" = "d4c3b2a1" ] || fail "bad pcap magic"
+    [ "$(od -An -tu4 -j20 -N4 f.pcap | tr -d ' ')" = "1" ] || fail "link type is not Ethernet"
+    # Frame 0 carries the first values: IPv4 source at bytes 26..29 of the frame.
+    run 0 values "$EX/ipv4-udp.json" --count 1
+    local src
+    src=$(od -An -tx1 -j$((24 + 16 + 26)) -N4 f.pcap | tr -d ' \n')
+    [ "$src" = "$(cut -d' ' -f2 out.txt)" ] || fail "frame 0 source $src, values says $(cut -d' ' -f2 out.txt)"
+    # An output that cannot be written.
+    run 1 frames "$EX/ipv4-udp.json" -o /nonexistent-dir/x.pcap --count 10
+}
+
+case_request_decode() {
+    local ex
+    for ex in "${GOOD_EXAMPLES[@]}"; do
+        run 0 request "$EX/$ex.json" && cp out.txt req.json
+        has req.json '"name": "Generator_3.SetStreamBlock"'
+        has req.json '"kind": "request"'
+        run 0 request "$EX/$ex.json" --json && { cmp -s out.txt req.json || fail "$ex: --json differs from default"; }
+        run 0 request "$EX/$ex.json" -o req.bin && has out.txt "Generator_3.SetStreamBlock"
+        run 0 decode req.bin && cp out.txt dec.json
+        has dec.json '"name": "Generator_3.SetStreamBlock"'
+        has dec.json "blocks"
+        has dec.json "returnIndex"
+    done
+    has dec.json "tableModifiers"
+    run 2 request "$EX/ipv4-udp.json" --json -o x.bin
+    # Malformed wire bytes: the runtime's message, status 2.
+    printf 'XX' >bad.bin
+    run 2 decode bad.bin && has err.txt "decode error at byte"
+    head -c 20 req.bin >short.bin
+    run 2 decode short.bin && has err.txt "decode error at byte"
+    run 2 decode no-such-file.bin
+}
+
+case_describe() {
+    run 0 describe && has out.txt "SetStreamBlock"
+    has out.txt "GetStreamBlockRange"
+    [ "$(wc -l <out.txt)" -gt 50 ] || fail "describe lists $(wc -l <out.txt) methods"
+    run 0 describe SetStreamBlock
+    has out.txt "Generator_3.SetStreamBlock (request)"
+    has out.txt "  blocks: array"
+    has out.txt "  returnIndex: bool"
+    run 0 describe GetStreamBlockRange && has out.txt "  startBlockID: uint32"
+    run 2 describe NoSuchMethod && has err.txt "NoSuchMethod"
+}
+
+# Bad input: one table row per mistake: the JSON document, then the start of the one-line
+# message (the JSON path first).
+BAD_INPUT=(
+    '{"rangeModifiers": [{"modIndex": 1}, {"stepValue": "zz"}]}|rangeModifiers[1].stepValue: expected hex bytes'
+    '{"rangeModifiers": [{"initialValue": "123"}]}|rangeModifiers[0].initialValue: expected hex bytes'
+    '{"rangeModifiers": [{"mask": 17}]}|rangeModifiers[0].mask: expected hex bytes'
+    '{"rangeModifiers": [{"initialValue": "000102030405060708090a0b0c0d0e0f10"}]}|rangeModifiers[0].initialValue: expected at most 16 bytes'
+    '{"rangeModifiers": [{"mode": "UPWARDS"}]}|rangeModifiers[0].mode: expected one of INCREMENT, DECREMENT, RANDOM, SHUFFLE'
+    '{"rangeModifiers": [{"offset": 70000}]}|rangeModifiers[0].offset: out of range for uint16'
+    '{"rangeModifiers": [{"useStream": "yes"}]}|rangeModifiers[0].useStream: expected true or false'
+    '{"rangeModifiers": [{"recycleCount": 1.5}]}|rangeModifiers[0].recycleCount: expected an integer'
+    '{"rangeModifiers": [{"colour": 1}]}|rangeModifiers[0].colour: unknown key'
+    '{"rangeModifiers": {"modIndex": 1}}|rangeModifiers: expected an array'
+    '{"blockID": -1}|blockID: out of range for uint32'
+    '{"blockID": 4294967296}|blockID: out of range for uint32'
+    '{"schedulerGroup": 256}|schedulerGroup: out of range for uint8'
+    '{"name": 5}|name: expected a string'
+    '{"bogus": true}|bogus: unknown key'
+    '{"tableModifiers": [{"data": ["01", 2]}]}|tableModifiers[0].data[1]: expected hex bytes'
+    '{"modLinks": [{"childModIndex": [1, -2]}]}|modLinks[0].childModIndex[1]: out of range for uint32'
+    '{"baseStream": {"frame": {"data": "00 1g"}}}|baseStream.frame.data: expected hex bytes'
+    '{"baseStream": {"enabled": 1}}|baseStream.enabled: expected true or false'
+    '{"host": {"frames": "many"}}|host.frames: expected an integer'
+    '{"host": {"speed": 1}}|host.speed: unknown key'
+    '{"rangeModifiers": [{"modIndex": 1, "initialValue": "01", "stepValue": "01", "mask": "ff"}], "host": {"modifiers": [{"modIndex": 2, "field": "ipv4.src"}]}}|host.modifiers[0].modIndex: no modifier'
+    '{"rangeModifiers": [{"modIndex": 1, "initialValue": "01", "stepValue": "01", "mask": "ff"}], "host": {"modifiers": [{"modIndex": 1, "field": "ipv4.src"}]}}|host.modifiers[0].field: field ipv4.src does not resolve'
+    '{"rangeModifiers": [{"modIndex": 1}, {"modIndex": 1}]}|rangeModifiers[1].modIndex: modIndex 1 is used twice'
+    '{"rangeModifiers": [{"modIndex": 1}], "modLinks": [{"modIndex": 1, "childModIndex": [5]}]}|modLinks[0].childModIndex[0]: no modifier has modIndex 5'
+    '[1, 2]|(top level): expected an object'
+    '{"name": |(document): invalid JSON at line 1'
+)
+
+case_bad_input() {
+    local row doc want cmd i=0
+    for row in "${BAD_INPUT[@]}"; do
+        doc=${row%%|*}
+        want=${row#*|}
+        i=$((i + 1))
+        printf '%s\n' "$doc" >"bad$i.json"
+        for cmd in validate values request "frames -o bad$i.pcap"; do
+            # shellcheck disable=SC2086
+            run 2 $cmd "bad$i.json" || continue
+            [ "$(wc -l <err.txt)" -eq 1 ] || fail "row $i ($cmd): message is not one line: $(cat err.txt)"
+            has err.txt "bad$i.json: $want"
+        done
+    done
+    # A field that does not resolve in the template of a real example.
+    sed 's/"field": "ipv4.src"/"field": "ipv6.dst"/' "$EX/ipv4-udp.json" >wrongfield.json
+    run 2 validate wrongfield.json && has err.txt "host.modifiers[0].field: field ipv6.dst does not resolve"
+    sed 's/"field": "ipv4.src"/"field": "ipv4.source"/' "$EX/ipv4-udp.json" >unknownfield.json
+    run 2 validate unknownfield.json && has err.txt "host.modifiers[0].field: field ipv4.source does not resolve: unknown field name"
+    run 2 validate no-such-file.json
+}
+
+case_tshark() {
+    command -v tshark >/dev/null 2>&1 || { echo "tshark not installed: skipped"; exit 77; }
+    run 0 frames "$EX/ipv4-udp.json" -o t.pcap --count 200 --threads 2 || return
+    run 0 values "$EX/ipv4-udp.json" --count 200 || return
+    # values: index, IPv4 source (hex), UDP source port (hex) -> dotted quad and decimal.
+    local i s p
+    while read -r i s p; do
+        printf '%d.%d.%d.%d\t%d\t5001\n' "0x${s:0:2}" "0x${s:2:2}" "0x${s:4:2}" "0x${s:6:2}" "0x$p"
+    done <out.txt >want.tsv
+    tshark -n -r t.pcap -T fields -e ip.src -e udp.srcport -e udp.dstport >got.tsv 2>tshark.err ||
+        fail "tshark failed: $(head -c 300 tshark.err)"
+    [ "$(wc -l <got.tsv)" -eq 200 ] || fail "tshark read $(wc -l <got.tsv) frames"
+    cmp -s want.tsv got.tsv || fail "tshark's addresses and ports differ from values: $(diff want.tsv got.tsv | head -5)"
+}
+
+"case_$CASE"
+if [ "$failures" -ne 0 ]; then
+    echo "$CASE: $failures failure(s)" >&2
+    exit 1
+fi
+echo "$CASE: ok"

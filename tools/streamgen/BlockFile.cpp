@@ -1,0 +1,140 @@
+#include "tools/streamgen/BlockFile.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+
+#include "tools/streamgen/JsonRecord.h"
+
+namespace streamgen {
+
+namespace {
+
+std::string line_and_column(const std::string& text, std::size_t byte) {
+    std::size_t line = 1, column = 1;
+    for (std::size_t i = 0; i + 1 < byte && i < text.size(); ++i) {
+        if (text[i] == '\n') {
+            ++line;
+            column = 1;
+        } else {
+            ++column;
+        }
+    }
+    return "line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+void read_host_modifier(const Json& j, const std::string& path, const std::vector<uint8_t>& frame,
+                        uint32_t& modIndex, HostModifier& out) {
+    if (!j.is_object()) throw InputError(path, "expected an object, got " + json_kind(j));
+    out.path = path;
+    bool haveIndex = false;
+    std::optional<unsigned int> bitOffset, bitLength;
+    for (const auto& item : j.items()) {
+        const std::string sub = member_path(path, item.key());
+        const Json& v = item.value();
+        if (item.key() == "modIndex") {
+            modIndex = read_integer<uint32_t>(v, sub);
+            haveIndex = true;
+        } else if (item.key() == "field") {
+            if (!v.is_string()) throw InputError(sub, "expected a field name, got " + json_kind(v));
+            out.fieldName = v.get<std::string>();
+            FieldPlace place;
+            std::string why;
+            if (!resolve_field(frame, out.fieldName, place, why)) {
+                throw InputError(sub, "field " + out.fieldName + " does not resolve: " + why);
+            }
+            out.place = place;
+        } else if (item.key() == "bitOffset") {
+            bitOffset = read_integer<uint32_t>(v, sub);
+        } else if (item.key() == "bitLength") {
+            bitLength = read_integer<uint32_t>(v, sub);
+        } else if (item.key() == "totalCount") {
+            out.totalCount = read_integer<uint32_t>(v, sub);
+        } else {
+            throw InputError(sub, "unknown key (expected one of: modIndex, field, bitOffset, bitLength, totalCount)");
+        }
+    }
+    if (!haveIndex) throw InputError(member_path(path, "modIndex"), "missing");
+    if (bitOffset || bitLength) {
+        if (out.place) throw InputError(path, "give either field or bitOffset and bitLength, not both");
+        if (!bitOffset) throw InputError(member_path(path, "bitOffset"), "missing (bitLength is given)");
+        if (!bitLength) throw InputError(member_path(path, "bitLength"), "missing (bitOffset is given)");
+        if (*bitLength == 0 || *bitLength > 128) {
+            throw InputError(member_path(path, "bitLength"), "expected 1 to 128 bits");
+        }
+        const uint64_t end = static_cast<uint64_t>(*bitOffset) + *bitLength;
+        if (end > frame.size() * 8u) {
+            throw InputError(member_path(path, "bitOffset"),
+                             "the field ends at bit " + std::to_string(end) + ", past the " +
+                                 std::to_string(frame.size() * 8u) + "-bit frame template");
+        }
+        out.place = FieldPlace{*bitOffset, *bitLength};
+    }
+}
+
+void read_host(const Json& j, BlockInput& in) {
+    const std::string path = "host";
+    if (!j.is_object()) throw InputError(path, "expected an object, got " + json_kind(j));
+    std::set<uint32_t> known;
+    for (const auto& r : in.block.rangeModifiers) known.insert(r.modIndex);
+    for (const auto& t : in.block.tableModifiers) known.insert(t.modIndex);
+    for (const auto& item : j.items()) {
+        const std::string sub = member_path(path, item.key());
+        if (item.key() == "frames") {
+            in.frames = read_integer<uint32_t>(item.value(), sub);
+        } else if (item.key() == "modifiers") {
+            const Json& list = item.value();
+            if (!list.is_array()) throw InputError(sub, "expected an array, got " + json_kind(list));
+            for (std::size_t i = 0; i < list.size(); ++i) {
+                const std::string ep = element_path(sub, i);
+                uint32_t modIndex = 0;
+                HostModifier h;
+                read_host_modifier(list[i], ep, in.frame, modIndex, h);
+                if (known.count(modIndex) == 0) {
+                    throw InputError(member_path(ep, "modIndex"),
+                                     "no modifier of the block has modIndex " + std::to_string(modIndex));
+                }
+                if (!in.host.emplace(modIndex, std::move(h)).second) {
+                    throw InputError(member_path(ep, "modIndex"),
+                                     "modIndex " + std::to_string(modIndex) + " is listed twice");
+                }
+            }
+        } else {
+            throw InputError(sub, "unknown key (expected one of: frames, modifiers)");
+        }
+    }
+}
+
+}  // namespace
+
+BlockInput parse_block(const std::string& text) {
+    Json doc;
+    try {
+        doc = Json::parse(text);
+    } catch (const Json::parse_error& e) {
+        std::string what = e.what();
+        // "[json.exception.parse_error.101] parse error at line 1, column 2: syntax error ..."
+        const std::size_t colon = what.find(": ");
+        const std::string detail = colon == std::string::npos ? what : what.substr(colon + 2);
+        throw InputError("(document)", "invalid JSON at " + line_and_column(text, e.byte) + ": " + detail);
+    }
+    BlockInput in;
+    read_record(doc, "", in.block, {"host"});
+    in.frame = parse_hex_text(in.block.baseStream.frame.data, "baseStream.frame.data");
+    if (doc.is_object() && doc.contains("host")) read_host(doc["host"], in);
+    return in;
+}
+
+BlockInput load_block(const std::string& file) {
+    std::ifstream f(file, std::ios::binary);
+    if (!f) throw std::runtime_error(file + ": " + std::strerror(errno));
+    std::ostringstream text;
+    text << f.rdbuf();
+    if (f.bad()) throw std::runtime_error(file + ": read error");
+    return parse_block(text.str());
+}
+
+}  // namespace streamgen

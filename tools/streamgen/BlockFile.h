@@ -1,0 +1,50 @@
+// The input of every block command: a stream block in JSON with the host's settings.
+//
+//   {
+//     "name": "...", "blockID": 1,
+//     "baseStream": {"frame": {"data": "<hex frame template>"}},
+//     "rangeModifiers": [...], "tableModifiers": [...], "modLinks": [...],
+//     ...                                   (any member of the stream block record)
+//     "host": {                             (optional: what a host decides, not sent)
+//       "frames": 1000,                     frames when no --count is given
+//       "modifiers": [
+//         {"modIndex": 1, "field": "ipv4.src", "totalCount": 256},
+//         {"modIndex": 2, "bitOffset": 272, "bitLength": 16}
+//       ]
+//     }
+//   }
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "interfaces/generator_3_bll_records.h"
+#include "tools/streamgen/FrameFields.h"
+
+namespace streamgen {
+
+// What the host decides about one modifier.
+struct HostModifier {
+    std::string path;  // JSON path of the entry, for messages
+    std::optional<FieldPlace> place;
+    std::string fieldName;  // when the place was given by name
+    std::optional<uint32_t> totalCount;
+};
+
+struct BlockInput {
+    Generator_3_bll::streamBlock_s block;
+    std::vector<uint8_t> frame;  // the frame template's bytes
+    std::map<uint32_t, HostModifier> host;  // by modIndex
+    std::optional<uint64_t> frames;
+};
+
+// Reads and checks `file`; throws InputError (where: the JSON path) on bad input, and
+// std::runtime_error when the file cannot be read.
+BlockInput load_block(const std::string& file);
+// The same, from JSON text.
+BlockInput parse_block(const std::string& text);
+
+}  // namespace streamgen

@@ -1,0 +1,61 @@
+// The block's modifiers as the library builds them: one set per user (each frames thread
+// has its own), in modIndex order.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "tools/streamgen/BlockFile.h"
+
+namespace streamgen {
+
+// The library refused to build the modifiers (its exception text, without a final newline).
+class BuildError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+class BlockModifiers {
+public:
+    // Builds and links every modifier of `in.block`, applies the host's total counts and
+    // validates. Throws BuildError when the library refuses to build them.
+    explicit BlockModifiers(const BlockInput& in);
+    ~BlockModifiers();
+    BlockModifiers(const BlockModifiers&) = delete;
+    BlockModifiers& operator=(const BlockModifiers&) = delete;
+
+    // The validation result and the library's lines, exactly as it wrote them.
+    bool Valid() const { return m_valid; }
+    const std::string& ValidationText() const { return m_validation; }
+
+    // Modifiers in modIndex order.
+    std::size_t Size() const;
+    uint32_t ModIndex(std::size_t i) const;
+    void Value(std::size_t i, std::vector<uint8_t>& out);
+    void ValueAt(std::size_t i, std::vector<uint8_t>& out, uint32_t index);
+    // Moves every modifier on by one frame.
+    void Next();
+    // Moves every modifier to frame `index` (from a fresh state).
+    void Seek(uint64_t index);
+
+    // Places every modifier in the frame (host field or bit position; without one, the
+    // record's byte offset and the value's width). Throws InputError naming the host entry
+    // (or the record) when the library refuses the place.
+    void PlaceFields(const BlockInput& in);
+    // Writes every modifier's current value into `frame`.
+    void Modify(std::vector<uint8_t>& frame);
+
+    // The block with its modifier lists as the library writes them back.
+    Generator_3_bll::streamBlock_s ToRpc(const Generator_3_bll::streamBlock_s& block);
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+    bool m_valid = false;
+    std::string m_validation;
+};
+
+}  // namespace streamgen

@@ -1,0 +1,181 @@
+#include "tools/streamgen/FrameFields.h"
+
+#include <cstdio>
+
+namespace streamgen {
+
+namespace {
+
+// Where the headers of a frame template start (byte offsets; -1 when absent).
+struct Layout {
+    std::vector<unsigned int> vlanTags;  // offset of each tag's TCI
+    unsigned int typeOffset = 12;        // the ethertype after the tags
+    unsigned int etherType = 0;
+    long ipv4 = -1;
+    long ipv6 = -1;
+    int ipProtocol = -1;
+    long l4 = -1;
+    std::string note;  // why parsing stopped early
+};
+
+unsigned int be16(const std::vector<uint8_t>& f, std::size_t at) {
+    return static_cast<unsigned int>(f[at]) << 8 | f[at + 1];
+}
+
+std::string hex16(unsigned int v) {
+    char buf[8];
+    std::snprintf(buf, sizeof buf, "0x%04x", v & 0xffffu);
+    return buf;
+}
+
+Layout parse(const std::vector<uint8_t>& f) {
+    Layout l;
+    if (f.size() < 14) {
+        l.note = "the frame template is shorter than an Ethernet header (" + std::to_string(f.size()) + " bytes)";
+        return l;
+    }
+    std::size_t at = 12;
+    unsigned int type = be16(f, at);
+    while (type == 0x8100 || type == 0x88a8 || type == 0x9100) {
+        if (f.size() < at + 6) {
+            l.note = "the frame template ends inside a VLAN tag";
+            l.typeOffset = static_cast<unsigned int>(at);
+            l.etherType = type;
+            return l;
+        }
+        l.vlanTags.push_back(static_cast<unsigned int>(at + 2));
+        at += 4;
+        type = be16(f, at);
+    }
+    l.typeOffset = static_cast<unsigned int>(at);
+    l.etherType = type;
+    const std::size_t ip = at + 2;
+    if (type == 0x0800) {
+        if (f.size() < ip + 20) {
+            l.note = "the frame template ends inside the IPv4 header";
+            return l;
+        }
+        l.ipv4 = static_cast<long>(ip);
+        l.ipProtocol = f[ip + 9];
+        const std::size_t ihl = (f[ip] & 0x0fu) * 4u;
+        if (ihl < 20 || f.size() < ip + ihl) {
+            l.note = "the IPv4 header length of the frame template is bad";
+            return l;
+        }
+        l.l4 = static_cast<long>(ip + ihl);
+    } else if (type == 0x86dd) {
+        if (f.size() < ip + 40) {
+            l.note = "the frame template ends inside the IPv6 header";
+            return l;
+        }
+        l.ipv6 = static_cast<long>(ip);
+        l.ipProtocol = f[ip + 6];
+        l.l4 = static_cast<long>(ip + 40);
+    } else {
+        l.note = "the frame template's ethertype is " + hex16(type) + ", neither IPv4 nor IPv6";
+    }
+    return l;
+}
+
+FieldPlace bytes(long byteOffset, unsigned int bitLength, unsigned int bitShift = 0) {
+    return FieldPlace{static_cast<unsigned int>(byteOffset) * 8u + bitShift, bitLength};
+}
+
+}  // namespace
+
+const std::vector<std::string>& field_names() {
+    static const std::vector<std::string> names{
+        "eth.dst",  "eth.src",   "eth.type", "vlan.id",  "vlan.pcp",  "ipv4.tos",  "ipv4.id",
+        "ipv4.ttl", "ipv4.src",  "ipv4.dst", "ipv6.tc",  "ipv6.flow", "ipv6.src",  "ipv6.dst",
+        "udp.sport", "udp.dport", "tcp.sport", "tcp.dport"};
+    return names;
+}
+
+bool resolve_field(const std::vector<uint8_t>& frame, const std::string& name, FieldPlace& place,
+                   std::string& why) {
+    const Layout l = parse(frame);
+    auto fail = [&](const std::string& reason) {
+        why = reason.empty() ? "not found in the frame template" : reason;
+        return false;
+    };
+    auto need = [&](std::size_t end) {
+        return frame.size() >= end;
+    };
+
+    if (name == "eth.dst" || name == "eth.src") {
+        if (!need(14)) return fail(l.note);
+        place = bytes(name == "eth.dst" ? 0 : 6, 48);
+        return true;
+    }
+    if (name == "eth.type") {
+        if (!need(l.typeOffset + 2)) return fail(l.note);
+        place = bytes(l.typeOffset, 16);
+        return true;
+    }
+
+    // vlan.id, vlan.pcp, vlan[N].id, vlan[N].pcp
+    if (name.compare(0, 4, "vlan") == 0) {
+        std::size_t tag = 0;
+        std::string rest = name.substr(4);
+        if (!rest.empty() && rest[0] == '[') {
+            const std::size_t close = rest.find(']');
+            if (close == std::string::npos || close == 1 || close > 4) return fail("unknown field name");
+            tag = 0;
+            for (std::size_t i = 1; i < close; ++i) {
+                if (rest[i] < '0' || rest[i] > '9') return fail("unknown field name");
+                tag = tag * 10 + static_cast<std::size_t>(rest[i] - '0');
+            }
+            rest = rest.substr(close + 1);
+        }
+        if (rest != ".id" && rest != ".pcp") return fail("unknown field name");
+        if (tag >= l.vlanTags.size()) {
+            return fail(l.vlanTags.empty() ? "the frame template has no VLAN tag"
+                                           : "the frame template has " + std::to_string(l.vlanTags.size()) +
+                                                 " VLAN tag(s)");
+        }
+        const unsigned int tci = l.vlanTags[tag];
+        place = rest == ".id" ? bytes(tci, 12, 4) : bytes(tci, 3, 0);
+        return true;
+    }
+
+    if (name.compare(0, 5, "ipv4.") == 0) {
+        if (l.ipv4 < 0) return fail(l.note.empty() ? "the frame template has no IPv4 header" : l.note);
+        const std::string f = name.substr(5);
+        if (f == "tos") place = bytes(l.ipv4 + 1, 8);
+        else if (f == "id") place = bytes(l.ipv4 + 4, 16);
+        else if (f == "ttl") place = bytes(l.ipv4 + 8, 8);
+        else if (f == "src") place = bytes(l.ipv4 + 12, 32);
+        else if (f == "dst") place = bytes(l.ipv4 + 16, 32);
+        else return fail("unknown field name");
+        return true;
+    }
+    if (name.compare(0, 5, "ipv6.") == 0) {
+        if (l.ipv6 < 0) return fail(l.note.empty() ? "the frame template has no IPv6 header" : l.note);
+        const std::string f = name.substr(5);
+        if (f == "tc") place = bytes(l.ipv6, 8, 4);
+        else if (f == "flow") place = bytes(l.ipv6 + 1, 20, 4);
+        else if (f == "src") place = bytes(l.ipv6 + 8, 128);
+        else if (f == "dst") place = bytes(l.ipv6 + 24, 128);
+        else return fail("unknown field name");
+        return true;
+    }
+    if (name.compare(0, 4, "udp.") == 0 || name.compare(0, 4, "tcp.") == 0) {
+        const bool udp = name[0] == 'u';
+        const std::string f = name.substr(4);
+        if (f != "sport" && f != "dport") return fail("unknown field name");
+        if (l.l4 < 0) return fail(l.note.empty() ? "the frame template has no IP header" : l.note);
+        const int want = udp ? 17 : 6;
+        if (l.ipProtocol != want) {
+            return fail(std::string("the frame template's IP protocol is ") + std::to_string(l.ipProtocol) +
+                        ", not " + (udp ? "UDP (17)" : "TCP (6)"));
+        }
+        if (!need(static_cast<std::size_t>(l.l4) + (udp ? 8 : 20))) {
+            return fail(std::string("the frame template ends inside the ") + (udp ? "UDP" : "TCP") + " header");
+        }
+        place = bytes(l.l4 + (f == "sport" ? 0 : 2), 16);
+        return true;
+    }
+    return fail("unknown field name");
+}
+
+}  // namespace streamgen

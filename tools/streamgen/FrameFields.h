@@ -1,0 +1,27 @@
+// Named header fields of a frame template, found by parsing the template: Ethernet II,
+// any number of VLAN tags (0x8100, 0x88a8, 0x9100), then IPv4 or IPv6, then UDP or TCP.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace streamgen {
+
+struct FieldPlace {
+    unsigned int bitOffset = 0;  // from the most significant bit of byte 0
+    unsigned int bitLength = 0;
+};
+
+// The names resolve_field() knows, in the order the help text lists them.
+const std::vector<std::string>& field_names();
+
+// Finds `name` (eth.dst, eth.src, eth.type, vlan.id, vlan.pcp, ipv4.tos, ipv4.id, ipv4.ttl,
+// ipv4.src, ipv4.dst, ipv6.tc, ipv6.flow, ipv6.src, ipv6.dst, udp.sport, udp.dport,
+// tcp.sport, tcp.dport) in `frame`. `vlan.id` and `vlan.pcp` are the outer tag's;
+// `vlan[N].id` and `vlan[N].pcp` name tag N, counted from 0 at the outer tag. eth.type is the
+// type after the VLAN tags. On failure returns false and sets `why` to a one-line reason.
+bool resolve_field(const std::vector<uint8_t>& frame, const std::string& name, FieldPlace& place,
+                   std::string& why);
+
+}  // namespace streamgen
