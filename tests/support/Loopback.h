@@ -30,6 +30,12 @@
 //                                  /*copy=*/true, std::make_tuple(uint32_t{7}),
 //                                  std::make_tuple(std::vector<x_s>{...}));
 //
+//     // One notification with chosen values:
+//     testing_support::loop_notification(std::get<0>(Module_bll::notifications), false,
+//                                         std::make_tuple(uint32_t{3}, data));
+//     // A builder run with generated arguments on a prepared message (returns its result):
+//     testing_support::build_generated(entry, &msg, /*copy=*/true, /*seed=*/3);
+//
 //     // The layout of a built message: (name, kind) of each send-group member, in order.
 //     EXPECT_EQ(testing_support::layout(msg), (testing_support::Layout{{"id", TMV_UINT32}}));
 //
