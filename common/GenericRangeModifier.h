@@ -83,8 +83,7 @@ class GenericRangeModifierImpl : public GenericRangeModifierInterface<N> {
         } else {
             --m_stutterLeft;
         }
-        out = m_current & m_mask;
-        out |= m_fixedBits;
+        out.assignandor(m_current, m_mask, m_fixedBits);
         return true;
     }
 
@@ -93,8 +92,7 @@ class GenericRangeModifierImpl : public GenericRangeModifierInterface<N> {
         const unsigned int k = static_cast<unsigned int>(index / this->Repeat(m_stutter));
         value_type sum = m_initial & m_mask;
         sum += Times(m_step, k);
-        out = sum & m_mask;
-        out |= m_fixedBits;
+        out.assignandor(sum, m_mask, m_fixedBits);
         return true;
     }
 
@@ -166,8 +164,7 @@ class GenericShuffleModifierImpl : public GenericRangeModifierImpl<N> {
         } else {
             --this->m_stutterLeft;
         }
-        out = this->m_current & this->m_mask;
-        out |= this->m_fixedBits;
+        out.assignandor(this->m_current, this->m_mask, this->m_fixedBits);
         return true;
     }
 

@@ -116,6 +116,37 @@ inline D di_addrun(D* dst, const D* src, L n, D carry) {
     return carry;
 }
 
+// dst[0..K) += src[0..K) for a whole-byte width known at compile time: 64-bit words plus one
+// zero-padded partial word. Returns the carry out of the top digit, as di_addsub does with no
+// head mask.
+template <unsigned int K>
+inline unsigned char di_addfixed(unsigned char* dst, const unsigned char* src) {
+    std::uint64_t carry = 0;
+    unsigned int i = 0;
+    for (; i + 8 <= K; i += 8) {
+        const std::uint64_t a = di_load64(dst + i);
+        const std::uint64_t b = di_load64(src + i);
+        const std::uint64_t s = a + b;
+        const std::uint64_t r = s + carry;
+        carry = (s < a ? 1u : 0u) | (r < s ? 1u : 0u);
+        di_store64(dst + i, r);
+    }
+    constexpr unsigned int tail = K % 8;
+    if constexpr (tail != 0) {
+        unsigned char a[8] = {};
+        unsigned char b[8] = {};
+        for (unsigned int j = 0; j < tail; ++j) {
+            a[j] = dst[i + j];
+            b[j] = src[i + j];
+        }
+        // Both operands are below 2^(8 * tail), so the sum cannot wrap 64 bits.
+        const std::uint64_t r = di_load64(a) + di_load64(b) + carry;
+        for (unsigned int j = 0; j < tail; ++j) dst[i + j] = static_cast<unsigned char>(r >> (8 * j));
+        carry = (r >> (8 * tail)) & 1;
+    }
+    return static_cast<unsigned char>(carry);
+}
+
 template <typename D>
 inline bool di_headoverflow(D top, D headMask, D carry) {
     if (headMask == 0) return carry != 0;
@@ -147,6 +178,16 @@ inline bool di_addsub(D* dst, const D* src, L dstLen, L srcLen, D headMask) {
 
 namespace detail {
 
+// Little-endian 32-bit limbs from N digits; the limbs are zero-initialised by the caller.
+template <unsigned int N>
+inline void di_loadlimbs(std::uint32_t* limbs, const unsigned char* digits) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    std::memcpy(limbs, digits, N);
+#else
+    for (unsigned int i = 0; i < N; ++i) limbs[i / 4] |= std::uint32_t{digits[i]} << (8 * (i % 4));
+#endif
+}
+
 // Full product of an AL-digit and a BL-digit number, written into outLen digits (the digits
 // of the true product beyond outLen are zero for every caller). Schoolbook multiplication on
 // 32-bit limbs.
@@ -158,8 +199,8 @@ inline void di_mulbytes(unsigned char* out, unsigned int outLen, const unsigned 
     std::uint32_t x[LA] = {};
     std::uint32_t y[LB] = {};
     std::uint32_t r[LA + LB] = {};
-    for (unsigned int i = 0; i < AL; ++i) x[i / 4] |= std::uint32_t{a[i]} << (8 * (i % 4));
-    for (unsigned int i = 0; i < BL; ++i) y[i / 4] |= std::uint32_t{b[i]} << (8 * (i % 4));
+    di_loadlimbs<AL>(x, a);
+    di_loadlimbs<BL>(y, b);
     for (unsigned int i = 0; i < LA; ++i) {
         if (x[i] == 0) continue;
         std::uint64_t carry = 0;
@@ -170,9 +211,14 @@ inline void di_mulbytes(unsigned char* out, unsigned int outLen, const unsigned 
         }
         r[i + LB] = static_cast<std::uint32_t>(carry);
     }
-    for (unsigned int i = 0; i < outLen; ++i) {
-        out[i] = i / 4 < LA + LB ? static_cast<unsigned char>(r[i / 4] >> (8 * (i % 4))) : 0;
-    }
+    constexpr unsigned int produced = 4 * (LA + LB);
+    const unsigned int n = outLen < produced ? outLen : produced;
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    std::memcpy(out, r, n);
+#else
+    for (unsigned int i = 0; i < n; ++i) out[i] = static_cast<unsigned char>(r[i / 4] >> (8 * (i % 4)));
+#endif
+    for (unsigned int i = n; i < outLen; ++i) out[i] = 0;
 }
 
 }  // namespace detail
@@ -235,6 +281,15 @@ class di_unsigned {
         return result;
     }
 
+    // *this = (value & mask) | bits in one pass, taking flag and head mask from `value`.
+    void assignandor(const di_unsigned& value, const di_unsigned& mask, const di_unsigned& bits) {
+        m_flag = value.m_flag;
+        m_headMask = value.m_headMask;
+        for (L i = 0; i < kDigits; ++i) {
+            m_digits[i] = static_cast<D>((value.m_digits[i] & mask.m_digits[i]) | bits.m_digits[i]);
+        }
+    }
+
     di_unsigned& operator|=(const di_unsigned& rhs) {
         di_orbite(m_digits, rhs.m_digits, kDigits);
         return *this;
@@ -243,9 +298,14 @@ class di_unsigned {
     // Addition modulo 2^BITS; the flag receives di_addsub's result.
     template <unsigned int M>
     di_unsigned& operator+=(const di_unsigned<L, D, M>& rhs) {
-        m_flag =
-            di_addsub(m_digits, rhs.digits(), kDigits, di_unsigned<L, D, M>::kDigits, m_headMask) ? 1 : 0;
-        clearhead();
+        if constexpr (M == BITS && BITS % 8 == 0) {
+            // Same digits and carry as di_addsub, whose head mask is 0 for whole-byte widths.
+            m_flag = detail::di_addfixed<kDigits>(m_digits, rhs.digits());
+        } else {
+            m_flag =
+                di_addsub(m_digits, rhs.digits(), kDigits, di_unsigned<L, D, M>::kDigits, m_headMask) ? 1 : 0;
+            clearhead();
+        }
         return *this;
     }
 
