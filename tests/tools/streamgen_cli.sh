@@ -196,7 +196,7 @@ BAD_INPUT=(
     '{"rangeModifiers": [{"modIndex": 1}, {"modIndex": 1}]}|rangeModifiers[1].modIndex: modIndex 1 is used twice'
     '{"rangeModifiers": [{"modIndex": 1}], "modLinks": [{"modIndex": 1, "childModIndex": [5]}]}|modLinks[0].childModIndex[0]: no modifier has modIndex 5'
     '[1, 2]|(top level): expected an object'
-    '{"name": |(document): invalid JSON at line 1'
+    '{"name": |(document): invalid JSON at line 2, column 1'
 )
 
 case_bad_input() {

@@ -27,7 +27,7 @@ std::string line_and_column(const std::string& text, std::size_t byte) {
 }
 
 void read_host_modifier(const Json& j, const std::string& path, const std::vector<uint8_t>& frame,
-                        uint32_t& modIndex, HostModifier& out) {
+                        const std::set<uint32_t>& known, uint32_t& modIndex, HostModifier& out) {
     if (!j.is_object()) throw InputError(path, "expected an object, got " + json_kind(j));
     out.path = path;
     bool haveIndex = false;
@@ -37,6 +37,9 @@ void read_host_modifier(const Json& j, const std::string& path, const std::vecto
         const Json& v = item.value();
         if (item.key() == "modIndex") {
             modIndex = read_integer<uint32_t>(v, sub);
+            if (known.count(modIndex) == 0) {
+                throw InputError(sub, "no modifier of the block has modIndex " + std::to_string(modIndex));
+            }
             haveIndex = true;
         } else if (item.key() == "field") {
             if (!v.is_string()) throw InputError(sub, "expected a field name, got " + json_kind(v));
@@ -92,11 +95,7 @@ void read_host(const Json& j, BlockInput& in) {
                 const std::string ep = element_path(sub, i);
                 uint32_t modIndex = 0;
                 HostModifier h;
-                read_host_modifier(list[i], ep, in.frame, modIndex, h);
-                if (known.count(modIndex) == 0) {
-                    throw InputError(member_path(ep, "modIndex"),
-                                     "no modifier of the block has modIndex " + std::to_string(modIndex));
-                }
+                read_host_modifier(list[i], ep, in.frame, known, modIndex, h);
                 if (!in.host.emplace(modIndex, std::move(h)).second) {
                     throw InputError(member_path(ep, "modIndex"),
                                      "modIndex " + std::to_string(modIndex) + " is listed twice");

@@ -125,14 +125,11 @@ void BlockModifiers::PlaceFields(const BlockInput& in) {
             place = *h->second.place;
             where = h->second.path;
         } else {
-            // No host place: the record's byte offset from the frame start, the value's width.
-            place.bitOffset = m.GetRelativeOffset() * 8u;
-            place.bitLength = m.GetDataSizeInBytes() * 8u;
+            // No host place: the whole frame is the field, so the record's offset counts from
+            // the frame's first byte.
+            place.bitOffset = 0;
+            place.bitLength = static_cast<unsigned int>(in.frame.size() * 8u);
             where = m_impl->recordPath[k] + ".offset";
-            if (place.bitOffset + place.bitLength > in.frame.size() * 8u) {
-                throw InputError(where, "no host.modifiers entry places modIndex " + std::to_string(m.GetModIndex()) +
-                                            ", and its offset puts it past the frame template");
-            }
         }
         try {
             m.SetFieldParams(place.bitOffset, place.bitLength);

@@ -41,9 +41,10 @@ public:
     // Moves every modifier to frame `index` (from a fresh state).
     void Seek(uint64_t index);
 
-    // Places every modifier in the frame (host field or bit position; without one, the
-    // record's byte offset and the value's width). Throws InputError naming the host entry
-    // (or the record) when the library refuses the place.
+    // Gives every modifier its field: the host's (a named header field or a bit range), or
+    // without one the whole frame; the record's offset is the byte offset inside the field.
+    // Throws InputError naming the host entry (or the record's offset) when the library
+    // refuses the field.
     void PlaceFields(const BlockInput& in);
     // Writes every modifier's current value into `frame`.
     void Modify(std::vector<uint8_t>& frame);

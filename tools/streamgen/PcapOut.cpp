@@ -33,6 +33,7 @@ struct Part {
     std::unique_ptr<char[]> buffer;
     std::atomic<uint64_t> done{0};
     std::exception_ptr error;
+    std::atomic<bool> failed{false};
 };
 
 std::runtime_error io_error(const std::string& path, const std::string& what) {
@@ -82,6 +83,7 @@ void run_part(Part& part, std::size_t frameLength, const ProducerFactory& make) 
         part.done.store(part.count, std::memory_order_relaxed);
     } catch (...) {
         part.error = std::current_exception();
+        part.failed.store(true, std::memory_order_relaxed);
     }
 }
 
@@ -133,15 +135,22 @@ PcapSummary write_pcap(const std::string& path, uint64_t count, unsigned threads
         run_part(*parts[0], frameLength, make);
     }
     if (progress) {
+        // Polls often (short runs end at once) and reports about ten times a second.
+        auto last = std::chrono::steady_clock::now();
         for (;;) {
             uint64_t done = 0;
-            for (auto& part : parts) done += part->done.load(std::memory_order_relaxed);
-            progress(done);
-            if (done >= count) break;
             bool failed = false;
-            for (auto& part : parts) failed = failed || part->error != nullptr;
-            if (failed) break;
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            for (auto& part : parts) {
+                done += part->done.load(std::memory_order_relaxed);
+                failed = failed || part->failed.load(std::memory_order_relaxed);
+            }
+            const auto now = std::chrono::steady_clock::now();
+            if (done >= count || failed || now - last >= std::chrono::milliseconds(100)) {
+                progress(done);
+                last = now;
+            }
+            if (done >= count || failed) break;
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
     }
     for (auto& w : workers) w.join();

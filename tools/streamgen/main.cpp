@@ -124,8 +124,9 @@ private:
 };
 
 int cmd_frames(const BlockInput& in, const std::string& out, uint64_t count, unsigned threads) {
-    if (in.frame.empty()) throw InputError("baseStream.frame.data", "the frame template is empty");
     if (count > kIndexLimit) throw InputError("--count", "at most " + std::to_string(kIndexLimit) + " frames");
+    build_valid(in);
+    if (in.frame.empty()) throw InputError("baseStream.frame.data", "the frame template is empty");
     {
         // Checks the block and the field places once, before any file is touched.
         BlockProducer check(in, 0);
