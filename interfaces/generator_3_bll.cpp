@@ -15,6 +15,8 @@ const tm_enum_map em_genTable_t[] = {
     {0, "MIN"}, {1, "PORT_STATS"}, {2, "PORT_CT_STATS"}, {3, "STREAM_STATS"}, {4, "MAX"}, {0, nullptr},
 };
 
+// --- Delegated: interface stacks (members of IFSETUP_1_bll).
+
 bool create_req_SetInterfaceLibParams(Message* msg,
                                       const std::vector<IFSETUP_1_bll::ifSetupLibParam_t>& paramList,
                                       bool copy) {
@@ -99,6 +101,8 @@ void parse_resp_DetachInterfaces(const Message* msg) {
 void parse_resp_SetGroupMembership(const Message* msg) {
     binding::parse_response(msg, methods::SetGroupMembership);
 }
+// --- Delegated: SQL statistics (members of Stats_1_bll).
+
 bool create_req_DoSQL(Message* msg, const std::vector<std::string>& commands, bool copy) {
     return binding::build_request(msg, methods::DoSQL, copy, commands);
 }
@@ -186,6 +190,8 @@ void parse_resp_DeleteTableEventNotification(const Message* msg) {
 void parse_resp_EnableTableEventNotification(const Message* msg) {
     binding::parse_response(msg, methods::EnableTableEventNotification);
 }
+// --- Delegated: load profiles (members of LoadProfile_1_bll).
+
 bool create_req_SetLoadProfile(Message* msg, const std::vector<LoadProfile_1_bll::loadProfile_s>& loadProfile,
                                bool copy) {
     return binding::build_request(msg, methods::SetLoadProfile, copy, loadProfile);
@@ -211,6 +217,8 @@ void parse_resp_GetLoadProfile(const Message* msg,
 void parse_resp_StreamBlockLoadProfileBinding(const Message* msg) {
     binding::parse_response(msg, methods::StreamBlockLoadProfileBinding);
 }
+// --- Control and state.
+
 bool create_req_Control(Message* msg, genControl_t action, bool copy) {
     return binding::build_request(msg, methods::Control, copy, action);
 }
@@ -291,6 +299,8 @@ void parse_resp_RequestStreamNISNotification(const Message* msg) {
 void parse_resp_DeleteStreamNISNotification(const Message* msg) {
     binding::parse_response(msg, methods::DeleteStreamNISNotification);
 }
+// --- Configuration.
+
 bool create_req_SetCommonCfg(Message* msg, const genCommonCfg_s& config, bool copy) {
     return binding::build_request(msg, methods::SetCommonCfg, copy, config);
 }
@@ -376,6 +386,8 @@ void parse_resp_GetRitInfo(const Message* msg, ritInfo_s& ritInfo) {
 void parse_resp_ValidatePayloadConfig(const Message* msg, bool& valid, uint32_t& overlimit) {
     binding::parse_response(msg, methods::ValidatePayloadConfig, valid, overlimit);
 }
+// --- Stream blocks and streams.
+
 bool create_req_SetStreamBlock(Message* msg, const std::vector<streamBlock_s>& blocks, bool returnIndex,
                                bool copy) {
     return binding::build_request(msg, methods::SetStreamBlock, copy, blocks, returnIndex);
@@ -510,6 +522,8 @@ void parse_resp_UpdateStreamsAndDoSQL(const Message* msg,
                                       std::vector<Stats_1_bll::commandResultFaster_s>& results) {
     binding::parse_response(msg, methods::UpdateStreamsAndDoSQL, results);
 }
+// --- Statistics tables.
+
 bool create_req_ClearPortStats(Message* msg, uint64_t absExecTime, bool copy) {
     return binding::build_request(msg, methods::ClearPortStats, copy, absExecTime);
 }
@@ -591,6 +605,8 @@ void parse_resp_SetRealTimeRows_StreamStatsTable(const Message* msg) {
 void parse_resp_GetRealTimeRows_StreamStatsTable(const Message* msg, std::vector<uint32_t>& rows) {
     binding::parse_response(msg, methods::GetRealTimeRows_StreamStatsTable, rows);
 }
+// --- Notifications.
+
 void parse_req_RunStateNotify(const Message* msg, uint32_t& id, std::vector<bool>& isRunning) {
     binding::parse_request(msg, methods::RunStateNotify, id, isRunning);
 }
