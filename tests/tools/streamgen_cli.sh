@@ -58,6 +58,14 @@ case_validate() {
         has out.txt "Streamblocks with stream generation disabled need device modifiers to have total device count as multiple of (recycle count * (repeat count + 1)). Modifier udp.sport, Total count 10, Recycle count 4, Repeat count 0."
         has out.txt "Modifier ipv4.dst data size is not consistent."
     fi
+    # Problems of the modifier set as a whole are the library's lines too.
+    local m='"initialValue": "01", "stepValue": "01", "mask": "ff", "useStream": true'
+    printf '{"rangeModifiers": [{"modIndex": 1, %s}, {"modIndex": 1, %s}]}\n' "$m" "$m" >twice.json
+    run 1 validate twice.json && has out.txt "Modifier modIndex 1 is used by more than one modifier."
+    printf '{"rangeModifiers": [{"modIndex": 1, %s}], "modLinks": [{"modIndex": 1, "childModIndex": [5]}]}\n' "$m" >link.json
+    run 1 validate link.json && has out.txt "Modifier link from modIndex 1 to modIndex 5 refers to an unknown modIndex."
+    printf '{"tableModifiers": [{"modIndex": 1, "data": []}]}\n' >emptytable.json
+    run 1 validate emptytable.json && has err.txt "data array is empty"
     # Commands that need a valid block refuse an invalid one with status 1.
     run 1 values "$EX/invalid.json"
     run 1 request "$EX/invalid.json"
@@ -193,8 +201,6 @@ BAD_INPUT=(
     '{"host": {"speed": 1}}|host.speed: unknown key'
     '{"rangeModifiers": [{"modIndex": 1, "initialValue": "01", "stepValue": "01", "mask": "ff"}], "host": {"modifiers": [{"modIndex": 2, "field": "ipv4.src"}]}}|host.modifiers[0].modIndex: no modifier'
     '{"rangeModifiers": [{"modIndex": 1, "initialValue": "01", "stepValue": "01", "mask": "ff"}], "host": {"modifiers": [{"modIndex": 1, "field": "ipv4.src"}]}}|host.modifiers[0].field: field ipv4.src does not resolve'
-    '{"rangeModifiers": [{"modIndex": 1}, {"modIndex": 1}]}|rangeModifiers[1].modIndex: modIndex 1 is used twice'
-    '{"rangeModifiers": [{"modIndex": 1}], "modLinks": [{"modIndex": 1, "childModIndex": [5]}]}|modLinks[0].childModIndex[0]: no modifier has modIndex 5'
     '[1, 2]|(top level): expected an object'
     '{"name": |(document): invalid JSON at line 2, column 1'
 )
