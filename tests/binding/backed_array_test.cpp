@@ -27,7 +27,7 @@ std::string thrown_text(F&& f) {
     return "<nothing thrown>";
 }
 
-// Reads element i of an array with the getter of `kind`, as a long double-free integer.
+// Reads element i of an array with the getter of `kind`, widened to long.
 long read_as_long(const Tm_array& a, TMV kind, int i) {
     switch (kind) {
         case TMV_INT8:
