@@ -344,24 +344,15 @@ TEST(FieldPacker, AppendModeAppendsOneWindowPerCall) {
     EXPECT_EQ(out, (Bytes{0x01, 0x15, 0x60, 0x1F, 0xE0}));
 }
 
-TEST(FieldPacker, NullPackerPassesValuesThroughAndRefusesFrames) {
-    auto packer = FieldPacker::CreateNull();
-    Bytes value = {1, 2};
-    Bytes out = {9};
-    packer->GetBytes(out, value, false);
-    EXPECT_EQ(out, value);
-    packer->GetBytes(out, value, true);
-    EXPECT_EQ(out, (Bytes{1, 2, 1, 2}));
-    packer->GetBytes(out, out, true);
-    EXPECT_EQ(out, (Bytes{1, 2, 1, 2, 1, 2, 1, 2}));
-
-    const std::string text = "Modifier does not support frame data related operations\n";
+// Every frame operation throws std::logic_error with `text`.
+void ExpectFrameOperationsRefused(FieldPacker& packer, const std::string& text) {
+    Bytes value = {1};
     Bytes frame(4, 0);
     const std::function<void()> ops[] = {
-        [&] { packer->GetAbsoluteOffset(); },        [&] { packer->GetAbsoluteBitOffset(); },
-        [&] { packer->GetAbsoluteBitOffsetOrig(); }, [&] { packer->GetFieldBitLength(); },
-        [&] { packer->GetFieldBitLengthOrig(); },    [&] { packer->StuffBytes(frame, value, false); },
-        [&] { packer->ZeroBytes(frame); },           [&] { packer->ZeroBytes(frame, 0, 1); },
+        [&] { packer.GetAbsoluteOffset(); },        [&] { packer.GetAbsoluteBitOffset(); },
+        [&] { packer.GetAbsoluteBitOffsetOrig(); }, [&] { packer.GetFieldBitLength(); },
+        [&] { packer.GetFieldBitLengthOrig(); },    [&] { packer.StuffBytes(frame, value, false); },
+        [&] { packer.ZeroBytes(frame); },           [&] { packer.ZeroBytes(frame, 0, 1); },
     };
     for (const auto& op : ops) {
         try {
@@ -373,24 +364,30 @@ TEST(FieldPacker, NullPackerPassesValuesThroughAndRefusesFrames) {
     }
 }
 
+TEST(FieldPacker, NullPackerPassesValuesThroughAndRefusesFrames) {
+    auto packer = FieldPacker::CreateNull();
+    Bytes value = {1, 2};
+    Bytes out = {9};
+    packer->GetBytes(out, value, false);
+    EXPECT_EQ(out, value);
+    packer->GetBytes(out, value, true);
+    EXPECT_EQ(out, (Bytes{1, 2, 1, 2}));
+    packer->GetBytes(out, out, true);
+    EXPECT_EQ(out, (Bytes{1, 2, 1, 2, 1, 2, 1, 2}));
+    ExpectFrameOperationsRefused(*packer, "Modifier does not support frame data related operations\n");
+}
+
 TEST(FieldPacker, InvalidPackerRefusesEverything) {
+    const std::string text = "Attempting to use modifier without setting field parameters\n";
     auto packer = FieldPacker::CreateInvalid();
+    ExpectFrameOperationsRefused(*packer, text);
+    Bytes out;
     Bytes value = {1};
-    Bytes frame(4, 0);
-    const std::function<void()> ops[] = {
-        [&] { packer->GetAbsoluteOffset(); },          [&] { packer->GetAbsoluteBitOffset(); },
-        [&] { packer->GetAbsoluteBitOffsetOrig(); },   [&] { packer->GetFieldBitLength(); },
-        [&] { packer->GetFieldBitLengthOrig(); },      [&] { packer->StuffBytes(frame, value, false); },
-        [&] { packer->GetBytes(frame, value, true); }, [&] { packer->ZeroBytes(frame); },
-        [&] { packer->ZeroBytes(frame, 0, 1); },
-    };
-    for (const auto& op : ops) {
-        try {
-            op();
-            FAIL() << "no exception";
-        } catch (const std::logic_error& e) {
-            EXPECT_EQ(std::string(e.what()), "Attempting to use modifier without setting field parameters\n");
-        }
+    try {
+        packer->GetBytes(out, value, false);
+        FAIL() << "no exception";
+    } catch (const std::logic_error& e) {
+        EXPECT_EQ(std::string(e.what()), text);
     }
 }
 

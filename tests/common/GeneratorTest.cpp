@@ -118,22 +118,6 @@ TEST(RangeGenerator, ReadCursorResumesMidStutter) {
     }
 }
 
-TEST(RangeGenerator, WideStepProductIsTruncatedToWidth) {
-    // step * k wraps modulo 2^128.
-    Value<16> step;
-    step[15] = 0x80;
-    step[0] = 1;
-    GenericRangeModifierImpl<16> g(Make<16>(0), step, Ones<16>(), 0);
-    Value<16> v;
-    g.GetValueAt(2, v);
-    Value<16> expected = Make<16>(2);
-    EXPECT_EQ(v, expected);
-    g.GetValueAt(3, v);
-    expected = Make<16>(3);
-    expected[15] = 0x80;
-    EXPECT_EQ(v, expected);
-}
-
 TEST(RangeGenerator, LargestStutterMeansOneValueForEveryIndex) {
     GenericRangeModifierImpl<4> g(Make<4>(7), Make<4>(1), Ones<4>(), 0xFFFFFFFFu);
     Value<4> v;
