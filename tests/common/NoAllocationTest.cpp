@@ -29,8 +29,18 @@ void* operator new(std::size_t size) {
     if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
     throw std::bad_alloc();
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    if (g_counting) ++g_allocations;
+    return std::malloc(size == 0 ? 1 : size);
+}
+void* operator new[](std::size_t size) { return ::operator new(size); }
+void* operator new[](std::size_t size, const std::nothrow_t& t) noexcept { return ::operator new(size, t); }
 void operator delete(void* p) noexcept { g_release(p); }
 void operator delete(void* p, std::size_t) noexcept { g_release(p); }
+void operator delete(void* p, const std::nothrow_t&) noexcept { g_release(p); }
+void operator delete[](void* p) noexcept { g_release(p); }
+void operator delete[](void* p, std::size_t) noexcept { g_release(p); }
+void operator delete[](void* p, const std::nothrow_t&) noexcept { g_release(p); }
 
 namespace {
 
