@@ -57,7 +57,8 @@ void read_host_modifier(const Json& j, const std::string& path, const std::vecto
         } else if (item.key() == "totalCount") {
             out.totalCount = read_integer<uint32_t>(v, sub);
         } else {
-            throw InputError(sub, "unknown key (expected one of: modIndex, field, bitOffset, bitLength, totalCount)");
+            throw InputError(
+                sub, "unknown key (expected one of: modIndex, field, bitOffset, bitLength, totalCount)");
         }
     }
     if (!haveIndex) throw InputError(member_path(path, "modIndex"), "missing");

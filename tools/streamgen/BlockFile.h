@@ -36,7 +36,7 @@ struct HostModifier {
 
 struct BlockInput {
     Generator_3_bll::streamBlock_s block;
-    std::vector<uint8_t> frame;  // the frame template's bytes
+    std::vector<uint8_t> frame;             // the frame template's bytes
     std::map<uint32_t, HostModifier> host;  // by modIndex
     std::optional<uint64_t> frames;
 };

@@ -47,7 +47,8 @@ void write_members(const Tm_struct& s, int depth, std::ostream& out) {
     for (int i = 0; i < s.get_member_count(); ++i) {
         const std::string& name = s.get_member_name(i);
         out << std::string(static_cast<std::size_t>(depth) * 2, ' ') << name << ": " << kind_of(s, i) << '\n';
-        if (s.get_member_value_type(i) == TMV_STRUCT) write_members(*s.get_member_struct(name), depth + 1, out);
+        if (s.get_member_value_type(i) == TMV_STRUCT)
+            write_members(*s.get_member_struct(name), depth + 1, out);
     }
 }
 

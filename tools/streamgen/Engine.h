@@ -14,12 +14,12 @@ namespace streamgen {
 
 // The library refused to build the modifiers (its exception text, without a final newline).
 class BuildError : public std::runtime_error {
-public:
+  public:
     using std::runtime_error::runtime_error;
 };
 
 class BlockModifiers {
-public:
+  public:
     // Builds and links every modifier of `in.block`, applies the host's total counts and
     // validates. Throws BuildError when the library refuses to build them.
     explicit BlockModifiers(const BlockInput& in);
@@ -52,7 +52,7 @@ public:
     // The block with its modifier lists as the library writes them back.
     Generator_3_bll::streamBlock_s ToRpc(const Generator_3_bll::streamBlock_s& block);
 
-private:
+  private:
     struct Impl;
     std::unique_ptr<Impl> m_impl;
     bool m_valid = false;

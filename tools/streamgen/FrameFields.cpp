@@ -31,7 +31,8 @@ std::string hex16(unsigned int v) {
 Layout parse(const std::vector<uint8_t>& f) {
     Layout l;
     if (f.size() < 14) {
-        l.note = "the frame template is shorter than an Ethernet header (" + std::to_string(f.size()) + " bytes)";
+        l.note =
+            "the frame template is shorter than an Ethernet header (" + std::to_string(f.size()) + " bytes)";
         return l;
     }
     std::size_t at = 12;
@@ -84,10 +85,10 @@ FieldPlace bytes(long byteOffset, unsigned int bitLength, unsigned int bitShift 
 }  // namespace
 
 const std::vector<std::string>& field_names() {
-    static const std::vector<std::string> names{
-        "eth.dst",  "eth.src",   "eth.type", "vlan.id",  "vlan.pcp",  "ipv4.tos",  "ipv4.id",
-        "ipv4.ttl", "ipv4.src",  "ipv4.dst", "ipv6.tc",  "ipv6.flow", "ipv6.src",  "ipv6.dst",
-        "udp.sport", "udp.dport", "tcp.sport", "tcp.dport"};
+    static const std::vector<std::string> names{"eth.dst",   "eth.src",   "eth.type", "vlan.id",  "vlan.pcp",
+                                                "ipv4.tos",  "ipv4.id",   "ipv4.ttl", "ipv4.src", "ipv4.dst",
+                                                "ipv6.tc",   "ipv6.flow", "ipv6.src", "ipv6.dst", "udp.sport",
+                                                "udp.dport", "tcp.sport", "tcp.dport"};
     return names;
 }
 
@@ -98,9 +99,7 @@ bool resolve_field(const std::vector<uint8_t>& frame, const std::string& name, F
         why = reason.empty() ? "not found in the frame template" : reason;
         return false;
     };
-    auto need = [&](std::size_t end) {
-        return frame.size() >= end;
-    };
+    auto need = [&](std::size_t end) { return frame.size() >= end; };
 
     if (name == "eth.dst" || name == "eth.src") {
         if (!need(14)) return fail(l.note);
@@ -129,9 +128,9 @@ bool resolve_field(const std::vector<uint8_t>& frame, const std::string& name, F
         }
         if (rest != ".id" && rest != ".pcp") return fail("unknown field name");
         if (tag >= l.vlanTags.size()) {
-            return fail(l.vlanTags.empty() ? "the frame template has no VLAN tag"
-                                           : "the frame template has " + std::to_string(l.vlanTags.size()) +
-                                                 " VLAN tag(s)");
+            return fail(l.vlanTags.empty()
+                            ? "the frame template has no VLAN tag"
+                            : "the frame template has " + std::to_string(l.vlanTags.size()) + " VLAN tag(s)");
         }
         const unsigned int tci = l.vlanTags[tag];
         place = rest == ".id" ? bytes(tci, 12, 4) : bytes(tci, 3, 0);
@@ -141,22 +140,33 @@ bool resolve_field(const std::vector<uint8_t>& frame, const std::string& name, F
     if (name.compare(0, 5, "ipv4.") == 0) {
         if (l.ipv4 < 0) return fail(l.note.empty() ? "the frame template has no IPv4 header" : l.note);
         const std::string f = name.substr(5);
-        if (f == "tos") place = bytes(l.ipv4 + 1, 8);
-        else if (f == "id") place = bytes(l.ipv4 + 4, 16);
-        else if (f == "ttl") place = bytes(l.ipv4 + 8, 8);
-        else if (f == "src") place = bytes(l.ipv4 + 12, 32);
-        else if (f == "dst") place = bytes(l.ipv4 + 16, 32);
-        else return fail("unknown field name");
+        if (f == "tos")
+            place = bytes(l.ipv4 + 1, 8);
+        else if (f == "id")
+            place = bytes(l.ipv4 + 4, 16);
+        else if (f == "ttl")
+            place = bytes(l.ipv4 + 8, 8);
+        else if (f == "src")
+            place = bytes(l.ipv4 + 12, 32);
+        else if (f == "dst")
+            place = bytes(l.ipv4 + 16, 32);
+        else
+            return fail("unknown field name");
         return true;
     }
     if (name.compare(0, 5, "ipv6.") == 0) {
         if (l.ipv6 < 0) return fail(l.note.empty() ? "the frame template has no IPv6 header" : l.note);
         const std::string f = name.substr(5);
-        if (f == "tc") place = bytes(l.ipv6, 8, 4);
-        else if (f == "flow") place = bytes(l.ipv6 + 1, 20, 4);
-        else if (f == "src") place = bytes(l.ipv6 + 8, 128);
-        else if (f == "dst") place = bytes(l.ipv6 + 24, 128);
-        else return fail("unknown field name");
+        if (f == "tc")
+            place = bytes(l.ipv6, 8, 4);
+        else if (f == "flow")
+            place = bytes(l.ipv6 + 1, 20, 4);
+        else if (f == "src")
+            place = bytes(l.ipv6 + 8, 128);
+        else if (f == "dst")
+            place = bytes(l.ipv6 + 24, 128);
+        else
+            return fail("unknown field name");
         return true;
     }
     if (name.compare(0, 4, "udp.") == 0 || name.compare(0, 4, "tcp.") == 0) {
@@ -170,7 +180,8 @@ bool resolve_field(const std::vector<uint8_t>& frame, const std::string& name, F
                         ", not " + (udp ? "UDP (17)" : "TCP (6)"));
         }
         if (!need(static_cast<std::size_t>(l.l4) + (udp ? 8 : 20))) {
-            return fail(std::string("the frame template ends inside the ") + (udp ? "UDP" : "TCP") + " header");
+            return fail(std::string("the frame template ends inside the ") + (udp ? "UDP" : "TCP") +
+                        " header");
         }
         place = bytes(l.l4 + (f == "sport" ? 0 : 2), 16);
         return true;

@@ -28,7 +28,9 @@ std::vector<uint8_t> parse_hex_text(const std::string& text, const std::string& 
             continue;
         }
         const int d = hex_digit(c);
-        if (d < 0) throw InputError(path, "expected hex bytes (bad character at position " + std::to_string(i) + ")");
+        if (d < 0)
+            throw InputError(path,
+                             "expected hex bytes (bad character at position " + std::to_string(i) + ")");
         if (high < 0) {
             high = d;
         } else {
@@ -58,16 +60,25 @@ std::string to_hex(const uint8_t* bytes, std::size_t size) {
 
 std::string json_kind(const Json& j) {
     switch (j.type()) {
-        case Json::value_t::null: return "null";
-        case Json::value_t::object: return "an object";
-        case Json::value_t::array: return "an array";
-        case Json::value_t::string: return "a string";
-        case Json::value_t::boolean: return "a boolean";
+        case Json::value_t::null:
+            return "null";
+        case Json::value_t::object:
+            return "an object";
+        case Json::value_t::array:
+            return "an array";
+        case Json::value_t::string:
+            return "a string";
+        case Json::value_t::boolean:
+            return "a boolean";
         case Json::value_t::number_integer:
-        case Json::value_t::number_unsigned: return "an integer";
-        case Json::value_t::number_float: return "a number";
-        case Json::value_t::binary: return "binary data";
-        case Json::value_t::discarded: break;
+        case Json::value_t::number_unsigned:
+            return "an integer";
+        case Json::value_t::number_float:
+            return "a number";
+        case Json::value_t::binary:
+            return "binary data";
+        case Json::value_t::discarded:
+            break;
     }
     return "nothing";
 }

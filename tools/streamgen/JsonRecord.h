@@ -41,14 +41,14 @@ using Json = nlohmann::ordered_json;
 
 // Bad input: where in the document (a JSON path, or a command-line option) and what.
 class InputError : public std::runtime_error {
-public:
+  public:
     InputError(std::string where, const std::string& what)
         : std::runtime_error(what), m_where(where.empty() ? std::string("(top level)") : std::move(where)) {}
     const std::string& where() const { return m_where; }
     // "<where>: <what>"
     std::string line() const { return m_where + ": " + what(); }
 
-private:
+  private:
     std::string m_where;
 };
 
@@ -155,8 +155,8 @@ template <class T, std::size_t N>
 void read_form(const Json& j, const std::string& path, T& out, binding::Bounded<N>) {
     read_json(j, path, out);
     if (out.size() > N) {
-        throw InputError(path, "expected at most " + std::to_string(N) + " elements, got " +
-                                   std::to_string(out.size()));
+        throw InputError(
+            path, "expected at most " + std::to_string(N) + " elements, got " + std::to_string(out.size()));
     }
 }
 
@@ -262,7 +262,8 @@ void read_json(const Json& j, const std::string& path, T& out) {
     } else if constexpr (std::is_same_v<T, std::vector<unsigned char>>) {
         if (j.is_array()) {
             out.clear();
-            for (std::size_t i = 0; i < j.size(); ++i) out.push_back(read_integer<unsigned char>(j[i], element_path(path, i)));
+            for (std::size_t i = 0; i < j.size(); ++i)
+                out.push_back(read_integer<unsigned char>(j[i], element_path(path, i)));
         } else {
             out = read_hex(j, path);
         }

@@ -161,7 +161,8 @@ PcapSummary write_pcap(const std::string& path, uint64_t count, unsigned threads
     }
     bool writeFailed = false;
     for (auto& part : parts) {
-        if (part->dumper && (pcap_dump_flush(part->dumper) != 0 || std::ferror(pcap_dump_file(part->dumper)))) {
+        if (part->dumper &&
+            (pcap_dump_flush(part->dumper) != 0 || std::ferror(pcap_dump_file(part->dumper)))) {
             writeFailed = true;
         }
     }

@@ -12,7 +12,7 @@ namespace streamgen {
 
 // Produces consecutive frames of a block from some first index on.
 class FrameProducer {
-public:
+  public:
     virtual ~FrameProducer() = default;
     // The next frame; valid until the next call.
     virtual const std::vector<uint8_t>& Next() = 0;

@@ -104,7 +104,7 @@ int cmd_values(const BlockInput& in, uint64_t count, uint64_t start, bool at) {
 // --- frames ------------------------------------------------------------------------------------
 
 class BlockProducer : public FrameProducer {
-public:
+  public:
     BlockProducer(const BlockInput& in, uint64_t first) : m_template(in.frame), m_frame(in.frame) {
         m_mods = build_valid(in);
         m_mods->PlaceFields(in);
@@ -117,14 +117,15 @@ public:
         return m_frame;
     }
 
-private:
+  private:
     const std::vector<uint8_t>& m_template;
     std::vector<uint8_t> m_frame;
     std::unique_ptr<BlockModifiers> m_mods;
 };
 
 int cmd_frames(const BlockInput& in, const std::string& out, uint64_t count, unsigned threads) {
-    if (count > kIndexLimit) throw InputError("--count", "at most " + std::to_string(kIndexLimit) + " frames");
+    if (count > kIndexLimit)
+        throw InputError("--count", "at most " + std::to_string(kIndexLimit) + " frames");
     build_valid(in);
     if (in.frame.empty()) throw InputError("baseStream.frame.data", "the frame template is empty");
     {
@@ -135,11 +136,13 @@ int cmd_frames(const BlockInput& in, const std::string& out, uint64_t count, uns
     const auto started = std::chrono::steady_clock::now();
     bool drawn = false;
     auto progress = [&](uint64_t done) {
-        const double elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+        const double elapsed =
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
         if (!terminal || elapsed < 1.0 || count == 0) return;
         const int width = 40;
         const int filled = static_cast<int>(static_cast<double>(done) / static_cast<double>(count) * width);
-        std::fprintf(stderr, "\r[%s%s] %3d%% %llu/%llu frames", std::string(static_cast<std::size_t>(filled), '#').c_str(),
+        std::fprintf(stderr, "\r[%s%s] %3d%% %llu/%llu frames",
+                     std::string(static_cast<std::size_t>(filled), '#').c_str(),
                      std::string(static_cast<std::size_t>(width - filled), ' ').c_str(),
                      static_cast<int>(static_cast<double>(done) * 100.0 / static_cast<double>(count)),
                      static_cast<unsigned long long>(done), static_cast<unsigned long long>(count));
@@ -151,13 +154,15 @@ int cmd_frames(const BlockInput& in, const std::string& out, uint64_t count, uns
     try {
         s = write_pcap(out, count, threads, in.frame.size(), make, progress);
     } catch (const std::runtime_error& e) {
-        if (dynamic_cast<const InputError*>(&e) != nullptr || dynamic_cast<const BuildError*>(&e) != nullptr) throw;
+        if (dynamic_cast<const InputError*>(&e) != nullptr || dynamic_cast<const BuildError*>(&e) != nullptr)
+            throw;
         throw Exit{kInvalid, e.what()};
     }
     if (drawn) std::fprintf(stderr, "\r\033[K");
     const double fps = s.seconds > 0 ? static_cast<double>(s.frames) / s.seconds : 0.0;
-    std::printf("%llu frames, %llu bytes in %.3f s (%.0f frames/s) -> %s\n", static_cast<unsigned long long>(s.frames),
-                static_cast<unsigned long long>(s.bytes), s.seconds, fps, out.c_str());
+    std::printf("%llu frames, %llu bytes in %.3f s (%.0f frames/s) -> %s\n",
+                static_cast<unsigned long long>(s.frames), static_cast<unsigned long long>(s.bytes),
+                s.seconds, fps, out.c_str());
     return kOk;
 }
 
@@ -184,7 +189,8 @@ int cmd_request(const BlockInput& in, const std::string& out) {
 int cmd_decode(const std::string& file) {
     std::ifstream f(file, std::ios::binary);
     if (!f) throw Exit{kBadInput, file + ": cannot open"};
-    const std::vector<unsigned char> bytes((std::istreambuf_iterator<char>(f)), std::istreambuf_iterator<char>());
+    const std::vector<unsigned char> bytes((std::istreambuf_iterator<char>(f)),
+                                           std::istreambuf_iterator<char>());
     Message m;
     try {
         tmsg::decode(bytes, m);
@@ -230,11 +236,14 @@ int main(int argc, char** argv) {
     unsigned threads = 1;
     bool at = false, json = false;
 
-    auto* validate = app.add_subcommand("validate", "Build, link and validate all modifiers; print the library's lines");
+    auto* validate =
+        app.add_subcommand("validate", "Build, link and validate all modifiers; print the library's lines");
     validate->add_option("BLOCK", file, "Stream block JSON file")->required();
-    validate->footer("Exit status 0 valid, 1 invalid, 2 bad input.\nExample: streamgen validate examples/invalid.json");
+    validate->footer(
+        "Exit status 0 valid, 1 invalid, 2 bad input.\nExample: streamgen validate examples/invalid.json");
 
-    auto* values = app.add_subcommand("values", "One line per frame: the index, then each modifier's value in hex (modIndex order)");
+    auto* values = app.add_subcommand(
+        "values", "One line per frame: the index, then each modifier's value in hex (modIndex order)");
     values->add_option("BLOCK", file, "Stream block JSON file")->required();
     auto* valuesCount = values->add_option("--count", count, "Frames (default: host.frames, else 16)");
     values->add_option("--start", start, "First frame index (default 0)");
@@ -247,12 +256,15 @@ int main(int argc, char** argv) {
     auto* framesCount = frames->add_option("--count", count, "Frames (default: host.frames, else 16)");
     frames->add_option("--threads", threads, "Threads; the file is the same for any number")
         ->check(CLI::Range(1u, 256u));
-    frames->footer("Example: streamgen frames examples/ipv4-udp.json -o /tmp/ipv4-udp.pcap --count 1000000 --threads 2");
+    frames->footer(
+        "Example: streamgen frames examples/ipv4-udp.json -o /tmp/ipv4-udp.pcap --count 1000000 --threads 2");
 
-    auto* request = app.add_subcommand("request", "The Generator_3.SetStreamBlock request for the block (after ToRpc)");
+    auto* request =
+        app.add_subcommand("request", "The Generator_3.SetStreamBlock request for the block (after ToRpc)");
     request->add_option("BLOCK", file, "Stream block JSON file")->required();
     auto* jsonFlag = request->add_flag("--json", json, "Print the request as JSON (the default)");
-    request->add_option("-o,--output", out, "Write the request's wire bytes to this file")->excludes(jsonFlag);
+    request->add_option("-o,--output", out, "Write the request's wire bytes to this file")
+        ->excludes(jsonFlag);
     request->footer(
         "Examples: streamgen request examples/vlan-table.json --json\n"
         "          streamgen request examples/vlan-table.json -o vlan-table.bin");
@@ -261,9 +273,11 @@ int main(int argc, char** argv) {
     decode->add_option("FILE", file, "File of wire bytes")->required();
     decode->footer(
         "Exit status 2 for a malformed file.\n"
-        "Example: streamgen request examples/vlan-table.json -o vlan-table.bin && streamgen decode vlan-table.bin");
+        "Example: streamgen request examples/vlan-table.json -o vlan-table.bin && streamgen decode "
+        "vlan-table.bin");
 
-    auto* describe = app.add_subcommand("describe", "List the methods, or show one request's members and kinds");
+    auto* describe =
+        app.add_subcommand("describe", "List the methods, or show one request's members and kinds");
     describe->add_option("METHOD", method, "Method name, e.g. SetStreamBlock");
     describe->footer("Examples: streamgen describe\n          streamgen describe SetStreamBlock");
 
@@ -287,7 +301,8 @@ int main(int argc, char** argv) {
         if (decode->parsed()) return cmd_decode(file);
         if (describe->parsed()) return cmd_describe(method);
     } catch (const Exit& e) {
-        std::cerr << "streamgen: " << e.message << (e.message.empty() || e.message.back() != '\n' ? "\n" : "");
+        std::cerr << "streamgen: " << e.message
+                  << (e.message.empty() || e.message.back() != '\n' ? "\n" : "");
         return e.status;
     } catch (const InputError& e) {
         std::cerr << "streamgen: " << file << ": " << e.line() << '\n';
