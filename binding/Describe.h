@@ -24,10 +24,12 @@
 // record<R>() checks at compile time that every field of the aggregate is described.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <tuple>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "platform/tm_enum_map.h"
 
@@ -69,6 +71,21 @@ template <std::size_t N, class R, class T>
 constexpr Field<R, T, Bounded<N>> bounded(const char* name, T R::*member) {
     return {name, member, Bounded<N>{}};
 }
+
+// --- type traits shared by everything that walks descriptions -------------------------------
+
+template <class T>
+struct IsVector : std::false_type {};
+template <class U, class A>
+struct IsVector<std::vector<U, A>> : std::true_type {};
+
+template <class T>
+struct IsByteArray : std::false_type {};
+template <std::size_t N>
+struct IsByteArray<std::array<unsigned char, N>> : std::true_type {};
+
+template <class T>
+constexpr bool always_false = false;
 
 // --- aggregate member counting ----------------------------------------------------------
 

@@ -65,19 +65,6 @@ struct IsScalar<T, std::void_t<decltype(ScalarKind<T>::kind)>> : std::true_type 
 template <class T>
 constexpr bool is_scalar = IsScalar<T>::value;
 
-template <class T>
-struct IsVector : std::false_type {};
-template <class U, class A>
-struct IsVector<std::vector<U, A>> : std::true_type {};
-
-template <class T>
-struct IsByteArray : std::false_type {};
-template <std::size_t N>
-struct IsByteArray<std::array<unsigned char, N>> : std::true_type {};
-
-template <class T>
-constexpr bool always_false = false;
-
 // --- sinks: where one member is written -------------------------------------------------
 
 // A member of a prenamed struct, by its index in the names table.

@@ -82,18 +82,9 @@ struct HexTextField<Generator_3_bll::frameCfg_s> {
 
 namespace detail {
 
-template <class T>
-struct IsVector : std::false_type {};
-template <class U, class A>
-struct IsVector<std::vector<U, A>> : std::true_type {};
-
-template <class T>
-struct IsByteArray : std::false_type {};
-template <std::size_t N>
-struct IsByteArray<std::array<unsigned char, N>> : std::true_type {};
-
-template <class T>
-constexpr bool always_false = false;
+using binding::always_false;
+using binding::IsByteArray;
+using binding::IsVector;
 
 template <class T>
 const char* int_name() {
