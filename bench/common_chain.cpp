@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "common/StreamBlockModifiers.h"
+#include "interfaces/generator_3_bll_records.h"
 
 namespace {
 

@@ -197,6 +197,18 @@ const unsigned char* FieldPackerImpl::ApplyValueSource(const std::vector<unsigne
     return value.data() + start;
 }
 
+void FieldPackerImpl::AlignedValue(const std::vector<unsigned char>& value,
+                                   std::vector<unsigned char>& window) const {
+    const unsigned char* in = ApplyValueSource(value);
+    window.assign(m_size, 0);
+    AlignValue(in, window.data(), m_size, m_requiredValueSize, m_shift);
+}
+
+std::size_t FieldPackerImpl::PackedValueStart(std::size_t valueSize) const {
+    if (m_offsetAdjust == 0 && !m_fixedValueOffset) return valueSize - m_requiredValueSize;
+    return m_offsetAdjust;
+}
+
 void FieldPackerImpl::ZeroBytes(std::vector<unsigned char>& frame) {
     CheckBytes(static_cast<unsigned int>(frame.size()));
     unsigned char* dst = frame.data() + m_absoluteOffset;

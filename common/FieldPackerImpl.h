@@ -1,6 +1,7 @@
 #ifndef VRM_COMMON_FIELDPACKERIMPL_H
 #define VRM_COMMON_FIELDPACKERIMPL_H
 
+#include <cstddef>
 #include <vector>
 
 #include "common/FieldPacker.h"
@@ -41,6 +42,19 @@ class FieldPackerImpl : public FieldPacker {
     void ZeroBytes(std::vector<unsigned char>& frame) override;
     void ZeroBytes(std::vector<unsigned char>& frame, unsigned char windowOffset,
                    unsigned char windowSize) override;
+
+    // The packer's geometry, for hosts that pack many frames without the per-frame calls:
+    // the window's first frame byte, its per-byte mask (its size is the window size), and
+    // AlignedValue, the window bytes StuffBytes merges under that mask for `value` (throws
+    // as StuffBytes does for a value that is too short).
+    unsigned int WindowOffset() const { return m_absoluteOffset; }
+    const std::vector<unsigned char>& ApplyMask() const { return m_applyMask; }
+    void AlignedValue(const std::vector<unsigned char>& value, std::vector<unsigned char>& window) const;
+    // Which bytes of a value of `valueSize` bytes are packed (the first of them, and how
+    // many), and the left shift applied to them in the window.
+    std::size_t PackedValueStart(std::size_t valueSize) const;
+    unsigned int PackedValueSize() const { return m_requiredValueSize; }
+    unsigned int Shift() const { return m_shift; }
 
   private:
     void setMaskOffsetAdjust(unsigned int maskOffsetAdjust);

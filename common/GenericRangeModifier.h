@@ -104,6 +104,12 @@ class GenericRangeModifierImpl : public GenericRangeModifierInterface<N> {
         return true;
     }
 
+    const value_type& Initial() const { return m_initial; }
+    const value_type& Step() const { return m_step; }
+    const value_type& Mask() const { return m_mask; }
+    const value_type& FixedBits() const { return m_fixedBits; }
+    unsigned int Stutter() const { return m_stutter; }
+
   protected:
     // step * k modulo 2^(8N).
     static value_type Times(const value_type& step, unsigned int k) {
@@ -182,6 +188,8 @@ class GenericShuffleModifierImpl : public GenericRangeModifierImpl<N> {
         return Base::SetReadCursor(index);
     }
 
+    unsigned int Count() const { return m_count; }
+
   private:
     unsigned int m_count;
     unsigned int m_last;
@@ -228,6 +236,10 @@ class GenericRandomModifierImpl : public GenericRangeModifierInterface<N> {
         m_state = RandomRegisterAdvance(m_seed, static_cast<unsigned int>(index / repeat));
         return true;
     }
+
+    unsigned int Seed() const { return m_seed; }
+    unsigned int Mask() const { return m_mask; }
+    unsigned int Stutter() const { return m_stutter; }
 
   private:
     static unsigned int LowWord(const value_type& v) {

@@ -118,6 +118,10 @@ RangeModifierImpl& RangeModifier::Engine(const char* operation) const {
 
 bool RangeModifier::HasGenerator() const { return m_impl != nullptr && m_impl->HasGenerator(); }
 
+bool RangeModifier::DescribeSequence(RangeSequence& out) const {
+    return m_impl != nullptr && m_impl->Describe(out);
+}
+
 void RangeModifier::Reset() { Engine("Reset").Reset(); }
 void RangeModifier::Next() { Engine("Next").Next(); }
 

@@ -13,6 +13,7 @@ namespace vrm {
 namespace common {
 
 class RangeModifierImpl;
+struct RangeSequence;
 
 // A modifier that makes a frame field count through a range: from an initial value by a step
 // under a mask, in one of four modes (INCREMENT, DECREMENT, RANDOM, SHUFFLE), with a recycle
@@ -102,6 +103,8 @@ class RangeModifier : public Modifier {
     const Generator_3_bll::rangeModifier_s& GetRecord() const { return m_rangeModifier; }
     // True when an engine with a value generator is in place.
     bool HasGenerator() const;
+    // The sequence the engine produces from Reset(); false without a value generator.
+    bool DescribeSequence(RangeSequence& out) const;
 
   protected:
     bool GetRangeFieldInfo(RangeFieldInfo& info) const override;

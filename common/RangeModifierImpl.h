@@ -14,6 +14,25 @@
 namespace vrm {
 namespace common {
 
+// What an engine produces frame by frame from Reset(), as plain numbers: the sequence a
+// frame plan reproduces without stepping the engine. Wide values are digits, least
+// significant first, `width` of them.
+struct RangeSequence {
+    std::uint32_t mode = 0;  // 0 INCREMENT, 1 DECREMENT, 2 RANDOM, 3 SHUFFLE
+    unsigned int width = 0;  // bytes
+    unsigned char initial[16] = {};
+    unsigned char step[16] = {};  // already negated for DECREMENT
+    unsigned char mask[16] = {};
+    unsigned char fixedBits[16] = {};
+    std::uint32_t stutter = 0;       // each value stands stutter + 1 generator steps
+    std::uint32_t shuffleCount = 0;  // SHUFFLE: the permutation's length (at least 1)
+    std::uint32_t seed = 0;          // RANDOM: register start
+    std::uint32_t randomMask = 0;    // RANDOM: mask of the low 32 bits
+    std::uint32_t childStutter = 0;  // generator steps once every childStutter + 1 frames
+    std::uint32_t periodLength = 0;  // frames before the sequence restarts (0: 2^32)
+    std::uint32_t totalLength = 0;   // frames before a forced restart (0: 2^32)
+};
+
 // The per-modifier engine of a range modifier: produces the field's value for each frame.
 class RangeModifierImpl {
   public:
@@ -33,6 +52,8 @@ class RangeModifierImpl {
     virtual void SourceUpdate() = 0;
     // True when a value generator exists (the mode is one of the four known ones).
     virtual bool HasGenerator() const = 0;
+    // Fills `out` with the sequence this engine produces; false without a value generator.
+    virtual bool Describe(RangeSequence& out) const = 0;
 
   protected:
     RangeModifierImpl() = default;
@@ -155,6 +176,33 @@ class ConcreteRangeModifierImpl : public RangeModifierImpl {
     }
 
     bool HasGenerator() const override { return m_generator != nullptr; }
+
+    bool Describe(RangeSequence& out) const override {
+        if (!m_generator) return false;
+        out = RangeSequence{};
+        out.mode = m_mode;
+        out.width = N;
+        if (m_mode == 2) {
+            const auto& random = static_cast<const GenericRandomModifierImpl<N>&>(*m_generator);
+            out.stutter = random.Stutter();
+            out.seed = random.Seed();
+            out.randomMask = random.Mask();
+        } else {
+            const auto& counting = static_cast<const GenericRangeModifierImpl<N>&>(*m_generator);
+            for (unsigned int i = 0; i < N; ++i) {
+                out.initial[i] = counting.Initial()[i];
+                out.step[i] = counting.Step()[i];
+                out.mask[i] = counting.Mask()[i];
+                out.fixedBits[i] = counting.FixedBits()[i];
+            }
+            out.stutter = counting.Stutter();
+            if (m_mode == 3) out.shuffleCount = static_cast<const GenericShuffleModifierImpl<N>&>(counting).Count();
+        }
+        out.childStutter = m_childStutter;
+        out.periodLength = m_periodLength;
+        out.totalLength = m_totalLength;
+        return true;
+    }
 
   private:
     // Record bytes (most significant first) into digits (least significant first).

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "common/ModifierFactory.h"
+#include "interfaces/generator_3_bll_records.h"
 
 namespace vrm {
 namespace common {
@@ -179,6 +180,10 @@ void StreamBlockModifiers::ModifyBytes(std::vector<unsigned char>& frame, bool x
 
 void StreamBlockModifiers::ModifyBytesAtIndex(std::vector<unsigned char>& frame, unsigned int index) {
     for (Modifier* modifier : m_byIndex) modifier->ModifyBytesAtIndex(frame, index);
+}
+
+FramePlan StreamBlockModifiers::MakeFramePlan(const std::vector<unsigned char>& frameTemplate) const {
+    return FramePlan(*this, frameTemplate);
 }
 
 void StreamBlockModifiers::ToRpc(Generator_3_bll::streamBlock_s& block) const {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "common/FramePlan.h"
 #include "common/Modifier.h"
-#include "interfaces/generator_3_bll_records.h"
 
 namespace vrm {
 namespace common {
@@ -91,6 +91,12 @@ class StreamBlockModifiers {
     void ModifyBytes(std::vector<unsigned char>& frame, bool xorMode = false);
     // Packs every modifier's value of frame `index` into `frame`.
     void ModifyBytesAtIndex(std::vector<unsigned char>& frame, unsigned int index);
+
+    // The block's frames compiled for bulk generation from `frameTemplate` (see FramePlan):
+    // call it after Validate and once every modifier is placed. Throws what the per-frame
+    // path would throw on the first frame (e.g. std::out_of_range for a window beyond the
+    // template, std::logic_error for a modifier that was never placed).
+    FramePlan MakeFramePlan(const std::vector<unsigned char>& frameTemplate) const;
 
     // Replaces the block's rangeModifiers and tableModifiers by the modifiers' descriptors
     // as they now stand, in the order they were read; other members are left alone.

@@ -68,6 +68,8 @@ class TableModifier : public Modifier {
 
     // The descriptor as it stands.
     const Generator_3_bll::tableModifier_s& GetRecord() const { return m_record; }
+    // Frames each list value is held: (child stutter + 1) * (repeat count + 1), 32-bit.
+    unsigned int GetHoldCount() const { return m_holdCount; }
 
   private:
     void RequireList(const char* operation) const;

@@ -8,6 +8,7 @@
 #include "RangeReference.h"
 #include "common/RangeModifier.h"
 #include "common/StreamBlockModifiers.h"
+#include "interfaces/generator_3_bll_records.h"
 
 namespace {
 
