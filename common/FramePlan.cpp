@@ -31,6 +31,13 @@ constexpr unsigned int kMaxWords = 3;
 constexpr std::size_t kGroup = 32;
 // Frames shorter than a word are built in a word-sized buffer.
 constexpr std::size_t kWordBytes = 8;
+// Frames stamped together, track by track, while they stay in the cache.
+constexpr std::size_t kBlockBytes = 16384;
+constexpr std::size_t kBlockFrames = 64;
+// Scratch space of WordsOf: the window (at most 17 bytes) at kWindowBase, words reaching up
+// to 8 bytes before and after it, and the 17-byte number written in front of a short window.
+constexpr int kWindowBase = 24;
+constexpr std::size_t kWindowBuffer = 56;
 
 enum class Kind : unsigned char { Count, Shuffle, Random, Table };
 
@@ -67,12 +74,15 @@ std::vector<unsigned char> ToNetwork(Wide v, unsigned int n) {
     return bytes;
 }
 
-// The frames' template copy: 16-byte moves for short frames (inlined), the C library beyond.
+// The frames' template copy: 64- and 16-byte moves for short frames (inlined), the C library
+// beyond.
 inline void CopyFrame(unsigned char* dst, const unsigned char* src, std::size_t n) {
-    if (n >= 16 && n <= 512) {
-        std::size_t i = 0;
-        for (; i + 16 <= n; i += 16) std::memcpy(dst + i, src + i, 16);
-        if (i != n) std::memcpy(dst + n - 16, src + n - 16, 16);
+    if (n >= 32 && n <= 512) {
+        // 32-byte pieces, the last one ending at the frame's end (it may overlap).
+        const unsigned char* last = src + n - 32;
+        unsigned char* lastDst = dst + n - 32;
+        for (; src < last; src += 32, dst += 32) std::memcpy(dst, src, 32);
+        std::memcpy(lastDst, last, 32);
     } else {
         std::memcpy(dst, src, n);
     }
@@ -87,14 +97,17 @@ struct FramePlan::Track {
     std::uint32_t offset[kMaxWords] = {};
     std::uint64_t own[kMaxWords] = {};
     std::uint64_t keep[kMaxWords] = {};
-    // Range values to words: X = (V >> valueShift) & valueMask are the packed value bytes;
-    // word j, read most significant byte first, is X << left[j] >> right[j] (low 64 bits).
+    // Range values to words: X = (V >> valueShift) & valueMask are the packed value bytes, the
+    // window is X << shift in windowSize bytes, and word j starts at window byte windowByte[j]
+    // (negative for a word moved left to stay inside a short frame).
     unsigned int valueShift = 0;
     Wide valueMask = 0;
-    unsigned int left[kMaxWords] = {};
-    unsigned int right[kMaxWords] = {};
-    bool empty[kMaxWords] = {};
-    // The value sequence.
+    unsigned int shift = 0;
+    int windowSize = 0;
+    int windowByte[kMaxWords] = {};
+    // The value sequence: value number a after a restart (a = 0, 1, ...), each held `run`
+    // frames; the sequence restarts after `period` frames, and everything restarts after
+    // `epoch` frames (counted from frame 0, cutting a period short).
     Wide initial = 0;
     Wide step = 0;
     Wide mask = 0;
@@ -102,28 +115,41 @@ struct FramePlan::Track {
     std::uint32_t seed = 0;
     std::uint32_t randomMask = 0;
     std::uint32_t shuffleCount = 1;
-    std::uint64_t run = 1;     // frames per value
-    std::uint64_t period = 1;  // frames before the value sequence restarts
-    std::uint64_t epoch = 1;   // frames before everything restarts (a multiple of nothing)
-    // Tables: their values' words at m_tableWords[tableFirst + item * words].
+    std::uint64_t run = 1;
+    std::uint64_t period = 1;
+    std::uint64_t epoch = 1;
+    // Indexed tracks (tables, and ranges with few values per period) keep every value's words
+    // at m_tableWords[tableFirst + a * words]; the index wraps to 0 at `wrap`.
+    bool indexed = false;
     std::size_t tableFirst = 0;
-    std::uint64_t listSize = 0;
+    std::uint64_t wrap = 1;
+    // Tracks whose frames repeat after a short cycle keep the words of every frame of the
+    // cycle, and of kBlockFrames more, at m_tableWords[tableFirst + frame * words].
+    bool perFrame = false;
+    std::uint64_t cycle = 0;
 };
 
 namespace {
 
 using Track = FramePlan::Track;
 
+// Ranges with at most this many values per period are indexed; tracks whose frames repeat
+// after at most kPerFrameCycle frames keep words per frame, within a budget of words.
+constexpr std::uint64_t kIndexedValues = 4096;
+constexpr std::uint64_t kPerFrameCycle = 8192;
+constexpr std::uint64_t kPerFrameWords = 16384;
+
 // Where one modifier stands while a range of frames is stamped.
 struct Cursor {
-    std::uint64_t epochPos = 0;   // frame within the epoch, at the start of the current run
-    std::uint64_t periodPos = 0;  // frame within the period, at the start of the current run
-    std::uint64_t runLength = 0;  // frames of the current run counted from those positions
-    std::uint64_t left = 0;       // frames of the current run still to stamp
-    std::uint64_t index = 0;      // values since the last restart (ranges) or list position (tables)
-    Wide current = 0;             // counting accumulator
-    std::uint64_t state = 0;      // random register
-    std::uint64_t value[kMaxWords] = {};
+    std::uint64_t epochLeft = 0;   // frames to the epoch's end, from the current run's start
+    std::uint64_t periodLeft = 0;  // frames to the period's end, from the current run's start
+    std::uint64_t runLength = 0;   // frames of the current run
+    std::uint64_t left = 0;        // frames of the current run still to stamp
+    std::uint64_t index = 0;       // value number since the restart (list position for tables)
+    Wide current = 0;              // counting accumulator
+    std::uint64_t state = 0;       // random register
+    const std::uint64_t* words = nullptr;  // the current value's words
+    std::uint64_t value[kMaxWords] = {};   // words computed for a track that is not indexed
 };
 
 inline std::uint32_t TranslateShuffle(std::uint32_t i, std::uint32_t count) {
@@ -132,105 +158,157 @@ inline std::uint32_t TranslateShuffle(std::uint32_t i, std::uint32_t count) {
     return mirrored ? count - 1 - i : i;
 }
 
+// The window words of range value v: the packed bytes X are shifted into place as a
+// 136-bit number written most significant byte first so that its last byte is the window's
+// last; each word is then a plain load from that buffer.
 inline void WordsOf(const Track& t, Wide v, std::uint64_t* out) {
     const Wide x = (v >> t.valueShift) & t.valueMask;
-    for (unsigned int j = 0; j < t.words; ++j) {
-        const std::uint64_t b = t.empty[j] ? 0 : static_cast<std::uint64_t>((x << t.left[j]) >> t.right[j]);
-        out[j] = BigEndianToMemory(b) & t.own[j];
-    }
+    const Wide low = x << t.shift;
+    const unsigned char high = t.shift == 0 ? 0 : static_cast<unsigned char>(x >> (128 - t.shift));
+    unsigned char buffer[kWindowBuffer] = {};
+    unsigned char* end = buffer + kWindowBase + t.windowSize;
+    end[-17] = high;
+    Store64(end - 16, BigEndianToMemory(static_cast<std::uint64_t>(low >> 64)));
+    Store64(end - 8, BigEndianToMemory(static_cast<std::uint64_t>(low)));
+    for (unsigned int j = 0; j < t.words; ++j) out[j] = Load64(buffer + kWindowBase + t.windowByte[j]) & t.own[j];
 }
 
-// The value for the cursor's index, from the state the cursor carries.
-inline void Evaluate(const Track& t, Cursor& c, const std::uint64_t* tableWords) {
+// Range value number `a` after a restart, from the counting accumulator or register the
+// caller keeps for it.
+inline Wide RangeValue(const Track& t, std::uint64_t a, const Wide& current, std::uint64_t state) {
     switch (t.kind) {
         case Kind::Count:
-            WordsOf(t, (c.current & t.mask) | t.fixedBits, c.value);
-            break;
+            return (current & t.mask) | t.fixedBits;
         case Kind::Shuffle: {
-            const Wide position = TranslateShuffle(static_cast<std::uint32_t>(c.index), t.shuffleCount);
-            WordsOf(t, ((t.initial + t.step * position) & t.mask) | t.fixedBits, c.value);
-            break;
+            const Wide position = TranslateShuffle(static_cast<std::uint32_t>(a % t.shuffleCount), t.shuffleCount);
+            return ((t.initial + t.step * position) & t.mask) | t.fixedBits;
         }
         case Kind::Random:
-            WordsOf(t, static_cast<std::uint32_t>(c.state) & t.randomMask, c.value);
+            return static_cast<std::uint32_t>(state) & t.randomMask;
+        case Kind::Table:
             break;
-        case Kind::Table: {
-            const std::uint64_t* words = tableWords + t.tableFirst + c.index * t.words;
-            for (unsigned int j = 0; j < t.words; ++j) c.value[j] = words[j];
-            break;
-        }
+    }
+    return 0;
+}
+
+inline void Evaluate(const Track& t, Cursor& c, const std::uint64_t* tableWords) {
+    if (t.indexed) {
+        c.words = tableWords + t.tableFirst + c.index * t.words;
+    } else {
+        WordsOf(t, RangeValue(t, c.index, c.current, c.state), c.value);
+        c.words = c.value;
     }
 }
 
 // Places the cursor on `frame` (O(1), or O(log frame) for a random register).
 void Seek(const Track& t, Cursor& c, std::uint64_t frame, const std::uint64_t* tableWords) {
-    c.epochPos = frame % t.epoch;
-    c.periodPos = c.epochPos % t.period;
-    const std::uint64_t values = c.periodPos / t.run;
-    const std::uint64_t intoRun = c.periodPos % t.run;
-    c.runLength = std::min({t.run - intoRun, t.period - c.periodPos, t.epoch - c.epochPos});
+    if (t.perFrame) {
+        c.index = frame % t.cycle;
+        return;
+    }
+    const std::uint64_t inEpoch = frame % t.epoch;
+    const std::uint64_t inPeriod = inEpoch % t.period;
+    const std::uint64_t a = inPeriod / t.run;
+    c.epochLeft = t.epoch - inEpoch;
+    c.periodLeft = t.period - inPeriod;
+    c.runLength = std::min({t.run - inPeriod % t.run, c.periodLeft, c.epochLeft});
     c.left = c.runLength;
-    switch (t.kind) {
-        case Kind::Count:
-            c.index = values;
-            c.current = t.initial + t.step * static_cast<Wide>(values);
-            break;
-        case Kind::Shuffle:
-            c.index = values % t.shuffleCount;
-            break;
-        case Kind::Random:
-            c.index = values;
-            c.state = RandomRegisterAdvance(t.seed, static_cast<unsigned int>(values));
-            break;
-        case Kind::Table:
-            c.index = values % t.listSize;
-            break;
+    c.index = t.kind == Kind::Table ? a % t.wrap : a;
+    if (!t.indexed) {
+        c.current = t.initial + t.step * static_cast<Wide>(a);
+        if (t.kind == Kind::Random) c.state = RandomRegisterAdvance(t.seed, static_cast<unsigned int>(a));
     }
     Evaluate(t, c, tableWords);
 }
 
-// Moves the cursor to the run that follows the current one.
-void Advance(const Track& t, Cursor& c, const std::uint64_t* tableWords) {
-    c.epochPos += c.runLength;
-    c.periodPos += c.runLength;
+// Moves the cursor on by `frames` frames, the rest of its current run (or, for an indexed
+// track with runs of one frame, that many runs up to the next restart or wrap).
+inline void Advance(const Track& t, Cursor& c, std::uint64_t frames, const std::uint64_t* tableWords) {
+    c.epochLeft -= frames;
+    c.periodLeft -= frames;
     bool restart = false;
-    if (c.epochPos == t.epoch) {
-        c.epochPos = 0;
-        c.periodPos = 0;
+    if (c.epochLeft == 0) {
+        c.epochLeft = t.epoch;
+        c.periodLeft = t.period;
         restart = true;
-    } else if (c.periodPos == t.period) {
-        c.periodPos = 0;
+    } else if (c.periodLeft == 0) {
+        c.periodLeft = t.period;
         restart = true;
     }
-    c.runLength = std::min({t.run, t.period - c.periodPos, t.epoch - c.epochPos});
+    c.runLength = std::min({t.run, c.periodLeft, c.epochLeft});
     c.left = c.runLength;
-    switch (t.kind) {
-        case Kind::Count:
-            if (restart) {
-                c.index = 0;
-                c.current = t.initial;
-            } else {
-                ++c.index;
-                c.current += t.step;
-            }
-            break;
-        case Kind::Shuffle:
-            c.index = (restart || c.index + 1 == t.shuffleCount) ? 0 : c.index + 1;
-            break;
-        case Kind::Random:
-            if (restart) {
-                c.index = 0;
-                c.state = t.seed;
-            } else {
-                ++c.index;
-                c.state = RandomRegisterStep(c.state);
-            }
-            break;
-        case Kind::Table:
-            c.index = (restart || c.index + 1 == t.listSize) ? 0 : c.index + 1;
-            break;
+    if (restart) {
+        c.index = 0;
+        c.current = t.initial;
+        c.state = t.seed;
+    } else if (t.indexed) {
+        c.index += t.run == 1 ? frames : 1;  // runs of one frame may be consumed many at once
+        if (c.index == t.wrap) c.index = 0;
+    } else {
+        ++c.index;
+        c.current += t.step;
+        if (t.kind == Kind::Random) c.state = RandomRegisterStep(c.state);
     }
     Evaluate(t, c, tableWords);
+}
+
+// Merges the same words into n frames. The track's words are read into locals first: the
+// frame stores are byte stores to the compiler, which could otherwise alias them.
+template <unsigned int W>
+inline void MergeSame(const Track& t, const std::uint64_t* words, unsigned char* frame, std::size_t stride,
+                      std::size_t n) {
+    std::size_t offset[W];
+    std::uint64_t keep[W];
+    std::uint64_t value[W];
+    for (unsigned int j = 0; j < W; ++j) {
+        offset[j] = t.offset[j];
+        keep[j] = t.keep[j];
+        value[j] = words[j];
+    }
+    for (std::size_t i = 0; i < n; ++i, frame += stride) {
+        for (unsigned int j = 0; j < W; ++j) Store64(frame + offset[j], (Load64(frame + offset[j]) & keep[j]) | value[j]);
+    }
+}
+
+// Merges consecutive values' words into n frames, one value a frame.
+template <unsigned int W>
+inline void MergeConsecutive(const Track& t, const std::uint64_t* words, unsigned char* frame, std::size_t stride,
+                             std::size_t n) {
+    std::size_t offset[W];
+    std::uint64_t keep[W];
+    for (unsigned int j = 0; j < W; ++j) {
+        offset[j] = t.offset[j];
+        keep[j] = t.keep[j];
+    }
+    for (std::size_t i = 0; i < n; ++i, frame += stride, words += W) {
+        for (unsigned int j = 0; j < W; ++j) Store64(frame + offset[j], (Load64(frame + offset[j]) & keep[j]) | words[j]);
+    }
+}
+
+template <unsigned int W>
+void StampTrack(const Track& t, Cursor& c, unsigned char* frames, std::size_t stride, std::size_t count,
+                const std::uint64_t* tableWords) {
+    if (t.perFrame) {
+        MergeConsecutive<W>(t, tableWords + t.tableFirst + c.index * W, frames, stride, count);
+        c.index = (c.index + count) % t.cycle;
+        return;
+    }
+    std::size_t k = 0;
+    while (k < count) {
+        if (t.indexed && t.run == 1) {
+            const std::uint64_t n =
+                std::min({std::uint64_t{count - k}, c.periodLeft, c.epochLeft, t.wrap - c.index});
+            MergeConsecutive<W>(t, c.words, frames + k * stride, stride, static_cast<std::size_t>(n));
+            k += static_cast<std::size_t>(n);
+            Advance(t, c, n, tableWords);
+        } else {
+            const std::uint64_t n = std::min(std::uint64_t{count - k}, c.left);
+            MergeSame<W>(t, c.words, frames + k * stride, stride, static_cast<std::size_t>(n));
+            k += static_cast<std::size_t>(n);
+            c.left -= n;
+            if (c.left == 0) Advance(t, c, c.runLength, tableWords);
+        }
+    }
 }
 
 std::string Describe(const Modifier& m) {
@@ -256,13 +334,20 @@ void PlaceWords(Track& t, const FieldPackerImpl& packer, std::size_t frameLength
     const std::size_t windowOffset = packer.WindowOffset();
     const std::vector<unsigned char>& applyMask = packer.ApplyMask();
     const std::size_t windowSize = applyMask.size();
+    // Only the bytes the modifier owns bits of are written: the window less its ends without mask.
+    std::size_t lo = 0;
+    std::size_t hi = windowSize;
+    while (lo < hi && applyMask[lo] == 0) ++lo;
+    while (hi > lo && applyMask[hi - 1] == 0) --hi;
     std::size_t starts[kMaxWords];
     unsigned int words = 0;
-    if (windowSize <= kWordBytes) {
-        starts[words++] = std::min(windowOffset, frameLength - kWordBytes);
+    if (lo == hi) {
+        // owns no bit: writes nothing
+    } else if (hi - lo <= kWordBytes) {
+        starts[words++] = std::min(windowOffset + lo, frameLength - kWordBytes);
     } else {
-        for (std::size_t at = 0; at + kWordBytes < windowSize; at += kWordBytes) starts[words++] = windowOffset + at;
-        starts[words++] = windowOffset + windowSize - kWordBytes;
+        for (std::size_t at = lo; at + kWordBytes < hi; at += kWordBytes) starts[words++] = windowOffset + at;
+        starts[words++] = windowOffset + hi - kWordBytes;
     }
     t.words = words;
     for (unsigned int j = 0; j < words; ++j) {
@@ -302,22 +387,10 @@ void PlaceValue(Track& t, const FieldPackerImpl& packer, unsigned int width) {
     const std::size_t windowSize = packer.ApplyMask().size();
     t.valueShift = static_cast<unsigned int>(8 * (width - start - required));
     t.valueMask = required >= 16 ? ~Wide{0} : ((Wide{1} << (8 * required)) - 1);
+    t.shift = packer.Shift();
+    t.windowSize = static_cast<int>(windowSize);
     for (unsigned int j = 0; j < t.words; ++j) {
-        // Word j holds window bytes i0 .. i0 + 7 (i0 may be negative for a word moved left to
-        // stay inside a short frame); as a number it is the window shifted right by
-        // 8 * (windowSize - i0 - 8) bits, and the window is X << shift.
-        const long long i0 = static_cast<long long>(t.offset[j]) - static_cast<long long>(packer.WindowOffset());
-        const long long down = 8 * (static_cast<long long>(windowSize) - i0 - 8) - packer.Shift();
-        t.left[j] = 0;
-        t.right[j] = 0;
-        t.empty[j] = false;
-        if (down >= 128 || down <= -128) {
-            t.empty[j] = true;
-        } else if (down >= 0) {
-            t.right[j] = static_cast<unsigned int>(down);
-        } else {
-            t.left[j] = static_cast<unsigned int>(-down);
-        }
+        t.windowByte[j] = static_cast<int>(t.offset[j]) - static_cast<int>(packer.WindowOffset());
     }
 }
 
@@ -377,6 +450,7 @@ FramePlan::FramePlan(const StreamBlockModifiers& modifiers, const std::vector<un
             t.epoch = seq.totalLength == 0 ? kTwoTo32 : seq.totalLength;
             stateLength = t.epoch % t.period == 0 ? t.period : t.epoch;
             PlaceValue(t, packer, seq.width);
+            const std::uint64_t values = t.period / t.run + (t.period % t.run != 0 ? 1 : 0);
             // The arithmetic above must pack exactly as the packer does: compare on a few values.
             const Wide probes[] = {~Wide{0}, (Wide{0x0123456789ABCDEFull} << 64) | 0xFEDCBA9876543210ull,
                                    t.initial, Wide{1}};
@@ -392,11 +466,25 @@ FramePlan::FramePlan(const StreamBlockModifiers& modifiers, const std::vector<un
                                            Describe(m) + "\n");
                 }
             }
+            if (values <= kIndexedValues) {
+                t.indexed = true;
+                t.wrap = values;
+                t.tableFirst = m_tableWords.size();
+                m_tableWords.resize(m_tableWords.size() + values * t.words);
+                Wide current = t.initial;
+                std::uint64_t state = t.seed;
+                for (std::uint64_t a = 0; a < values; ++a) {
+                    WordsOf(t, RangeValue(t, a, current, state), &m_tableWords[t.tableFirst + a * t.words]);
+                    current += t.step;
+                    state = RandomRegisterStep(state);
+                }
+            }
         } else if (auto* table = dynamic_cast<TableModifier*>(&m)) {
             const auto& list = table->GetRecord().data;
             t.kind = Kind::Table;
-            t.listSize = list.size();
-            if (t.listSize == 0) {
+            t.indexed = true;
+            t.wrap = list.size();
+            if (t.wrap == 0) {
                 std::vector<unsigned char> value;
                 table->GetValue(value);  // throws the table's text for an empty list
                 throw std::logic_error("FramePlan: " + Describe(m) + " has an empty list\n");
@@ -407,11 +495,11 @@ FramePlan::FramePlan(const StreamBlockModifiers& modifiers, const std::vector<un
                 const std::uint32_t restart = table->GetTotalCount() * (table->GetChildStutterCount() + 1);
                 t.epoch = restart == 0 ? kTwoTo32 : restart;
             } else {
-                const Wide walk = Wide{hold} * t.listSize;
+                const Wide walk = Wide{hold} * t.wrap;
                 t.epoch = walk > ~std::uint64_t{0} ? ~std::uint64_t{0} : static_cast<std::uint64_t>(walk);
             }
             t.period = t.epoch;
-            const Wide walk = Wide{hold} * t.listSize;
+            const Wide walk = Wide{hold} * t.wrap;
             stateLength = (walk <= t.epoch && t.epoch % static_cast<std::uint64_t>(walk) == 0)
                               ? static_cast<std::uint64_t>(walk)
                               : t.epoch;
@@ -424,6 +512,21 @@ FramePlan::FramePlan(const StreamBlockModifiers& modifiers, const std::vector<un
             }
         } else {
             throw std::logic_error("FramePlan: " + Describe(m) + " is neither a range nor a table modifier\n");
+        }
+        if (stateLength <= kPerFrameCycle && (stateLength + kBlockFrames) * t.words <= kPerFrameWords) {
+            // The words of every frame of the cycle, by walking the track once.
+            const std::size_t frames = static_cast<std::size_t>(stateLength) + kBlockFrames;
+            std::vector<std::uint64_t> perFrame(frames * t.words);
+            Cursor c;
+            Seek(t, c, 0, m_tableWords.data());
+            for (std::size_t f = 0; f < frames; ++f) {
+                std::copy(c.words, c.words + t.words, &perFrame[f * t.words]);
+                if (--c.left == 0) Advance(t, c, c.runLength, m_tableWords.data());
+            }
+            t.perFrame = true;
+            t.cycle = stateLength;
+            t.tableFirst = m_tableWords.size();
+            m_tableWords.insert(m_tableWords.end(), perFrame.begin(), perFrame.end());
         }
         if (cycleFits) {
             cycle = cycle / Gcd(static_cast<std::uint64_t>(cycle % stateLength), stateLength) * stateLength;
@@ -460,31 +563,36 @@ void FramePlan::StampGroup(std::size_t firstTrack, std::size_t trackCount, bool 
 
     const std::size_t length = m_length;
     const unsigned char* frameTemplate = m_template.data();
-    unsigned char small[kWordBytes];
-    for (std::size_t k = 0; k < count; ++k) {
-        unsigned char* frame = out + k * stride;
-        unsigned char* target = frame;
-        if (length < kWordBytes) {
-            target = small;
-            if (copyTemplate) {
-                std::memcpy(small, frameTemplate, kWordBytes);
-            } else {
-                std::memcpy(small, frameTemplate, kWordBytes);
-                std::memcpy(small, frame, length);
+    const bool small = length < kWordBytes;  // built in word-sized slots, then copied out
+    const std::size_t blockFrames =
+        small ? kBlockFrames : std::max<std::size_t>(1, std::min(kBlockFrames, kBlockBytes / std::max<std::size_t>(stride, 1)));
+    unsigned char slots[kBlockFrames * kWordBytes];
+    for (std::size_t done = 0; done < count; done += blockFrames) {
+        const std::size_t n = std::min(blockFrames, count - done);
+        unsigned char* block = out + done * stride;
+        unsigned char* frames = block;
+        std::size_t step = stride;
+        if (small) {
+            frames = slots;
+            step = kWordBytes;
+            for (std::size_t k = 0; k < n; ++k) {
+                std::memcpy(slots + k * kWordBytes, frameTemplate, kWordBytes);
+                if (!copyTemplate) std::memcpy(slots + k * kWordBytes, block + k * stride, length);
             }
         } else if (copyTemplate) {
-            CopyFrame(frame, frameTemplate, length);
+            for (std::size_t k = 0; k < n; ++k) CopyFrame(block + k * stride, frameTemplate, length);
         }
         for (std::size_t i = 0; i < trackCount; ++i) {
-            const Track& t = tracks[i];
-            Cursor& c = cursors[i];
-            for (unsigned int j = 0; j < t.words; ++j) {
-                unsigned char* at = target + t.offset[j];
-                Store64(at, (Load64(at) & t.keep[j]) | c.value[j]);
+            switch (tracks[i].words) {
+                case 0: break;
+                case 1: StampTrack<1>(tracks[i], cursors[i], frames, step, n, tableWords); break;
+                case 2: StampTrack<2>(tracks[i], cursors[i], frames, step, n, tableWords); break;
+                default: StampTrack<3>(tracks[i], cursors[i], frames, step, n, tableWords); break;
             }
-            if (--c.left == 0) Advance(t, c, tableWords);
         }
-        if (length < kWordBytes) std::memcpy(frame, small, length);
+        if (small) {
+            for (std::size_t k = 0; k < n; ++k) std::memcpy(block + k * stride, slots + k * kWordBytes, length);
+        }
     }
 }
 

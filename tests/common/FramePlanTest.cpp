@@ -88,7 +88,7 @@ class Maker {
                 m.stepValue.data = RandomBytes(width, 2);
                 m.mask.data = Mask(width);
                 m.mode = static_cast<configModMode_t>(Below(4));
-                m.recycleCount = Below(8);
+                m.recycleCount = Below(4) == 0 ? 4000 + Below(200) : Below(8);
                 m.stutterCount = Below(4) == 0 ? Below(3) : 0;
                 m.useStream = stream;
                 r.block.rangeModifiers.push_back(m);
