@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <set>
 
 namespace vrm {
 namespace common {
@@ -170,20 +169,48 @@ void Modifier::ChildUpdate() {
         bool& flag;
         ~Guard() { flag = false; }
     } guard{m_inChildUpdate};
+    if (RefreshChildStutterCount()) UpdateParents();
+}
 
+bool Modifier::RefreshChildStutterCount() {
     if (m_children.empty()) {
         UpdateChildStutterCount(0);
-        UpdateParents();
-        return;
+        return true;
     }
-    std::vector<unsigned int> counts;
-    counts.reserve(m_children.size());
-    for (const Modifier* child : m_children) counts.push_back(child->GetEffectiveRecycleCount());
-    const unsigned int lcm = FindLcm(counts);
+    unsigned int lcm;
+    if (m_children.size() == 1) {
+        lcm = m_children.front()->GetEffectiveRecycleCount();
+    } else if (m_children.size() <= 8) {
+        // FindLcm on a few values, without allocating.
+        unsigned int counts[8];
+        std::size_t n = 0;
+        for (const Modifier* child : m_children) counts[n++] = child->GetEffectiveRecycleCount();
+        std::sort(counts, counts + n);
+        n = static_cast<std::size_t>(std::unique(counts, counts + n) - counts);
+        lcm = LcmOfDistinctAscending(counts, n);
+    } else {
+        std::vector<unsigned int> counts;
+        counts.reserve(m_children.size());
+        for (const Modifier* child : m_children) counts.push_back(child->GetEffectiveRecycleCount());
+        lcm = FindLcm(counts);
+    }
     if (lcm != 0 && lcm != GetChildStutterCount() + 1) {
         UpdateChildStutterCount(lcm - 1);
-        UpdateParents();
+        return true;
     }
+    return false;
+}
+
+bool Modifier::LinkChildWithoutUpdate(Modifier& child) {
+    if (&child == this || child.IsStreamModifier() != IsStreamModifier()) return false;
+    m_children.push_back(&child);
+    child.m_parents.push_back(this);
+    return true;
+}
+
+void Modifier::UnlinkWithoutUpdate() {
+    m_children.clear();
+    m_parents.clear();
 }
 
 // --- parallel modifiers --------------------------------------------------------------------
@@ -223,12 +250,17 @@ unsigned long Modifier::Gcd(unsigned long a, unsigned long b) {
 unsigned int Modifier::FindLcm(const std::vector<unsigned int>& values) {
     if (values.empty()) return 0;
     if (values.size() == 1) return values.front();
-    const std::set<unsigned int> distinct(values.begin(), values.end());
-    auto it = distinct.begin();
-    if (*it == 0) return 0;
-    std::uint64_t running = *it;
-    for (++it; it != distinct.end(); ++it) {
-        const std::uint64_t e = *it;
+    std::vector<unsigned int> distinct(values);
+    std::sort(distinct.begin(), distinct.end());
+    distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
+    return LcmOfDistinctAscending(distinct.data(), distinct.size());
+}
+
+unsigned int Modifier::LcmOfDistinctAscending(const unsigned int* values, std::size_t n) {
+    if (values[0] == 0) return 0;
+    std::uint64_t running = values[0];
+    for (std::size_t i = 1; i < n; ++i) {
+        const std::uint64_t e = values[i];
         running = e * running / Gcd(running, e);
     }
     // Checked once, at the end: intermediate products wrap in 64 bits.

@@ -1,6 +1,7 @@
 #ifndef VRM_COMMON_MODIFIER_H
 #define VRM_COMMON_MODIFIER_H
 
+#include <cstddef>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -149,6 +150,22 @@ class Modifier {
     void SetFrameDataSupported(bool supported) { m_frameDataSupported = supported; }
 
   private:
+    friend class StreamBlockModifiers;
+    // Bulk linking for a set of modifiers that recomputes the repeat counts once, children
+    // before parents, instead of after every link. LinkChildWithoutUpdate refuses what
+    // AddChildModifier refuses, except that the caller guarantees the link is new.
+    bool LinkChildWithoutUpdate(Modifier& child);
+    // ChildUpdate's recomputation of this modifier alone; true when ChildUpdate would go on
+    // to the parents.
+    bool RefreshChildStutterCount();
+    // Drops every parent and child link without any update (the set is being destroyed).
+    void UnlinkWithoutUpdate();
+    // FindLcm's fold over values already distinct and ascending (n >= 1).
+    static unsigned int LcmOfDistinctAscending(const unsigned int* values, std::size_t n);
+
+    // The modifier's place in the StreamBlockModifiers that owns it (or -1).
+    std::size_t m_setPosition = static_cast<std::size_t>(-1);
+
     std::vector<Modifier*> m_children;  // not owned
     std::vector<Modifier*> m_parents;   // not owned
     bool m_enabled = true;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/FramePlan.h"
@@ -104,14 +105,17 @@ class StreamBlockModifiers {
 
   private:
     void Link(const Generator_3_bll::streamBlock_s& block);
-    // Position in m_owned, or m_owned.size() for a modifier not owned here.
-    std::size_t PositionOf(const Modifier& modifier) const;
-    // True when `to` is `from` or lies below it along the links made so far.
-    bool Reaches(const Modifier& from, const Modifier& to) const;
+    void RecomputeRepeatCounts();
+    // Position in m_owned (the root: m_owned.size()), or -1 for a modifier not owned here.
+    std::size_t PositionOf(const Modifier* m) const;
+    // Strongly connected components of n nodes and the given links: one id per node.
+    static std::vector<std::size_t> Components(std::size_t n, std::vector<std::pair<std::size_t, std::size_t>> links);
+    bool Reaches(std::size_t from, std::size_t to, const std::vector<std::size_t>& component,
+                 std::vector<std::size_t>& stamp, std::size_t walk) const;
 
     std::vector<std::unique_ptr<Modifier>> m_owned;  // record order: range, then table
     std::vector<Modifier*> m_byIndex;                // ascending modIndex
-    std::vector<std::vector<Modifier*>> m_children;  // per position of m_owned
+    std::vector<unsigned int> m_indexes;             // their modIndex values
     std::unique_ptr<Modifier> m_root;
     std::vector<std::string> m_linkProblems;
 };

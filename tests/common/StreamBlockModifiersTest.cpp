@@ -1,11 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <memory>
+#include <random>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "RangeReference.h"
+#include "common/ModifierFactory.h"
 #include "common/RangeModifier.h"
 #include "common/StreamBlockModifiers.h"
 #include "interfaces/generator_3_bll_records.h"
@@ -218,3 +224,102 @@ TEST(StreamBlockModifiers, EmptyBlock) {
 }
 
 }  // namespace
+
+// Linking a whole block at once gives what linking one modifier at a time through the
+// Modifier interface gives: the same link problems, in the same order, and the same repeat
+// counts after validation. The reference links in record order, checks cycles by walking the
+// links made so far, and validates each modifier, then updates the chains in modIndex order.
+TEST(StreamBlockModifiers, BulkLinkingEqualsLinkingOneByOne) {
+    std::mt19937 rng(11);
+    for (int round = 0; round < 300; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        streamBlock_s block;
+        const unsigned int n = 1 + rng() % 9;
+        for (unsigned int i = 0; i < n; ++i) {
+            rangeModifier_s r = Range(1 + rng() % 12, 0, rng() % 4, rng() % 6 != 0);
+            r.stutterCount = rng() % 2;
+            block.rangeModifiers.push_back(r);
+        }
+        const unsigned int links = rng() % 12;
+        for (unsigned int i = 0; i < links; ++i) {
+            modLinkDesc_s link{1 + static_cast<unsigned int>(rng() % 13), {}};
+            for (unsigned int c = rng() % 3; c > 0; --c) link.childModIndex.push_back(1 + rng() % 13);
+            block.modLinks.push_back(link);
+        }
+
+        StreamBlockModifiers mods(block);
+        std::ostringstream bulk;
+        mods.Validate(&bulk);
+
+        // The reference.
+        std::vector<std::unique_ptr<vrm::common::Modifier>> owned;
+        for (const auto& r : block.rangeModifiers) owned.push_back(vrm::common::ModifierFactory::CreateModifier(r));
+        std::vector<vrm::common::Modifier*> byIndex;
+        for (auto& m : owned) byIndex.push_back(m.get());
+        std::stable_sort(byIndex.begin(), byIndex.end(),
+                         [](auto* a, auto* b) { return a->GetModIndex() < b->GetModIndex(); });
+        auto find = [&](unsigned int index) -> vrm::common::Modifier* {
+            for (auto* m : byIndex) {
+                if (m->GetModIndex() == index) return m;
+            }
+            return nullptr;
+        };
+        std::map<vrm::common::Modifier*, std::vector<vrm::common::Modifier*>> made;
+        std::function<bool(vrm::common::Modifier*, vrm::common::Modifier*)> reaches = [&](auto* from, auto* to) {
+            if (from == to) return true;
+            for (auto* c : made[from]) {
+                if (reaches(c, to)) return true;
+            }
+            return false;
+        };
+        std::ostringstream expected;
+        for (std::size_t i = 1; i < byIndex.size(); ++i) {
+            const unsigned int index = byIndex[i]->GetModIndex();
+            if (index == byIndex[i - 1]->GetModIndex() && (i < 2 || byIndex[i - 2]->GetModIndex() != index)) {
+                expected << "Modifier modIndex " << index << " is used by more than one modifier.\n";
+            }
+        }
+        for (const auto& link : block.modLinks) {
+            auto* parent = find(link.modIndex);
+            if (parent == nullptr) {
+                expected << "Modifier link from modIndex " << link.modIndex << " refers to an unknown modIndex.\n";
+                continue;
+            }
+            for (unsigned int c : link.childModIndex) {
+                auto* child = find(c);
+                const char* problem = nullptr;
+                if (child == nullptr) problem = "refers to an unknown modIndex.";
+                else if (child == parent) problem = "links a modifier to itself.";
+                else if (reaches(child, parent)) problem = "would make a cycle.";
+                else if (std::count(made[parent].begin(), made[parent].end(), child) != 0) problem = "is listed twice.";
+                else if (!parent->AddChildModifier(*child)) problem = "joins stream and non-stream modifiers.";
+                else made[parent].push_back(child);
+                if (problem != nullptr) {
+                    expected << "Modifier link from modIndex " << link.modIndex << " to modIndex " << c << " "
+                             << problem << "\n";
+                }
+            }
+        }
+        bool allStream = true;
+        for (auto& m : owned) allStream = allStream && m->IsStreamModifier();
+        std::unique_ptr<vrm::common::Modifier> root;
+        vrm::common::ModifierFactory::CreateRootModifier(allStream, root);
+        for (auto* m : byIndex) {
+            if (!m->HasParent() && !root->AddChildModifier(*m)) {
+                expected << "Modifier " << m->GetOffsetReference() << " (modIndex " << m->GetModIndex()
+                         << ") cannot be hung under the root: stream and non-stream modifiers are mixed at the top.\n";
+            }
+        }
+        for (auto* m : byIndex) m->Update(&expected);
+        for (auto* m : byIndex) m->ChildUpdate();
+        root->ChildUpdate();
+
+        EXPECT_EQ(bulk.str(), expected.str());
+        EXPECT_EQ(mods.Root().GetEffectiveRecycleCount(), root->GetEffectiveRecycleCount());
+        for (std::size_t i = 0; i < byIndex.size(); ++i) {
+            EXPECT_EQ(mods.At(i).GetChildStutterCount(), byIndex[i]->GetChildStutterCount()) << "position " << i;
+        }
+        root.reset();
+        owned.clear();
+    }
+}
