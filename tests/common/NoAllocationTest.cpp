@@ -8,11 +8,15 @@
 #include <new>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "common/FieldPacker.h"
 #include "common/GenericRangeModifier.h"
+#include "common/FramePlan.h"
 #include "common/Modifier.h"
+#include "common/StreamBlockModifiers.h"
+#include "interfaces/generator_3_bll_records.h"
 
 namespace {
 
@@ -141,6 +145,41 @@ TEST(NoAllocation, Generators) {
                   }
               }),
               0);
+}
+
+// Stamping through a frame plan, from several threads on one plan at once: no allocation,
+// and every thread's frames equal those stamped alone.
+TEST(NoAllocation, FramePlanStampFromThreads) {
+    Generator_3_bll::streamBlock_s block;
+    Generator_3_bll::rangeModifier_s counter;
+    counter.modIndex = 1;
+    counter.offsetReference = "counter";
+    counter.initialValue.data = {0, 0, 0, 9};
+    counter.stepValue.data = {0, 0, 0, 3};
+    counter.mask.data = {0x0F, 0xFF, 0xFF, 0xFF};
+    counter.recycleCount = 100000;  // long period: values computed, not looked up
+    counter.useStream = true;
+    Generator_3_bll::rangeModifier_s random = counter;
+    random.modIndex = 2;
+    random.mode = Generator_3_bll::configModMode_t::RANDOM;
+    random.recycleCount = 7;
+    block.rangeModifiers = {counter, random};
+    block.modLinks = {{2, {1}}};
+    vrm::common::StreamBlockModifiers mods(block);
+    ASSERT_TRUE(mods.Validate(nullptr));
+    mods.SetFieldParams(1, 3, 32);
+    mods.SetFieldParams(2, 100, 32);
+    const vrm::common::FramePlan plan = mods.MakeFramePlan(Bytes(24, 0x55));
+
+    constexpr std::size_t kFrames = 5000;
+    Bytes alone(kFrames * 24), together(kFrames * 24);
+    plan.Stamp(1u << 30, kFrames, alone.data(), 24);
+    int allocations = -1;
+    std::thread other([&] { plan.Stamp((1u << 30) + kFrames / 2, kFrames / 2, together.data() + kFrames / 2 * 24, 24); });
+    allocations = AllocationsOf([&] { plan.Stamp(1u << 30, kFrames / 2, together.data(), 24); });
+    other.join();
+    EXPECT_EQ(allocations, 0);
+    EXPECT_EQ(alone, together);
 }
 
 }  // namespace
