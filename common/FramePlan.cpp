@@ -466,7 +466,7 @@ FramePlan::FramePlan(const StreamBlockModifiers& modifiers, const std::vector<un
                                            Describe(m) + "\n");
                 }
             }
-            if (values <= kIndexedValues) {
+            if (values <= kIndexedValues && t.words != 0) {
                 t.indexed = true;
                 t.wrap = values;
                 t.tableFirst = m_tableWords.size();
@@ -474,7 +474,7 @@ FramePlan::FramePlan(const StreamBlockModifiers& modifiers, const std::vector<un
                 Wide current = t.initial;
                 std::uint64_t state = t.seed;
                 for (std::uint64_t a = 0; a < values; ++a) {
-                    WordsOf(t, RangeValue(t, a, current, state), &m_tableWords[t.tableFirst + a * t.words]);
+                    WordsOf(t, RangeValue(t, a, current, state), m_tableWords.data() + t.tableFirst + a * t.words);
                     current += t.step;
                     state = RandomRegisterStep(state);
                 }
@@ -508,19 +508,19 @@ FramePlan::FramePlan(const StreamBlockModifiers& modifiers, const std::vector<un
             std::vector<unsigned char> window;
             for (std::size_t i = 0; i < list.size(); ++i) {
                 packer.AlignedValue(list[i].data, window);
-                WordsOfWindow(t, packer, window, &m_tableWords[t.tableFirst + i * t.words]);
+                WordsOfWindow(t, packer, window, m_tableWords.data() + t.tableFirst + i * t.words);
             }
         } else {
             throw std::logic_error("FramePlan: " + Describe(m) + " is neither a range nor a table modifier\n");
         }
-        if (stateLength <= kPerFrameCycle && (stateLength + kBlockFrames) * t.words <= kPerFrameWords) {
+        if (t.words != 0 && stateLength <= kPerFrameCycle && (stateLength + kBlockFrames) * t.words <= kPerFrameWords) {
             // The words of every frame of the cycle, by walking the track once.
             const std::size_t frames = static_cast<std::size_t>(stateLength) + kBlockFrames;
             std::vector<std::uint64_t> perFrame(frames * t.words);
             Cursor c;
             Seek(t, c, 0, m_tableWords.data());
             for (std::size_t f = 0; f < frames; ++f) {
-                std::copy(c.words, c.words + t.words, &perFrame[f * t.words]);
+                std::copy(c.words, c.words + t.words, perFrame.data() + f * t.words);
                 if (--c.left == 0) Advance(t, c, c.runLength, m_tableWords.data());
             }
             t.perFrame = true;
