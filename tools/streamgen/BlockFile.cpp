@@ -1,8 +1,12 @@
 #include "tools/streamgen/BlockFile.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <memory>
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -108,12 +112,64 @@ void read_host(const Json& j, BlockInput& in) {
     }
 }
 
+// Refuses a key that appears twice in one object (the parser would keep the last silently).
+// Follows the parser's events to know the JSON path of each object.
+Json::parser_callback_t duplicate_key_check() {
+    struct Level {
+        bool object;
+        std::string path;
+        std::set<std::string> keys;
+        std::string key;
+        std::size_t index = 0;
+    };
+    auto levels = std::make_shared<std::vector<Level>>();
+    return [levels](int, Json::parse_event_t event, Json& parsed) {
+        auto& l = *levels;
+        auto next_element = [&l] {
+            if (!l.empty() && !l.back().object) ++l.back().index;
+        };
+        switch (event) {
+            case Json::parse_event_t::object_start:
+            case Json::parse_event_t::array_start: {
+                std::string path;
+                if (!l.empty()) {
+                    path = l.back().object ? member_path(l.back().path, l.back().key)
+                                           : element_path(l.back().path, l.back().index);
+                }
+                l.push_back(Level{event == Json::parse_event_t::object_start, path, {}, {}, 0});
+                break;
+            }
+            case Json::parse_event_t::key: {
+                const std::string& key = parsed.get_ref<const std::string&>();
+                if (!l.back().keys.insert(key).second) {
+                    throw InputError(member_path(l.back().path, key), "duplicate key");
+                }
+                l.back().key = key;
+                break;
+            }
+            case Json::parse_event_t::object_end:
+            case Json::parse_event_t::array_end:
+                l.pop_back();
+                next_element();
+                break;
+            case Json::parse_event_t::value:
+                next_element();
+                break;
+        }
+        return true;
+    };
+}
+
 }  // namespace
 
 BlockInput parse_block(const std::string& text) {
+    if (text.size() > kMaxBlockBytes) {
+        throw InputError("(document)", "larger than the limit of " + std::to_string(kMaxBlockBytes >> 20) +
+                                           " MiB for a block");
+    }
     Json doc;
     try {
-        doc = Json::parse(text);
+        doc = Json::parse(text, duplicate_key_check());
     } catch (const Json::parse_error& e) {
         std::string what = e.what();
         // "[json.exception.parse_error.101] parse error at line 1, column 2: syntax error ..."
@@ -128,13 +184,26 @@ BlockInput parse_block(const std::string& text) {
     return in;
 }
 
-BlockInput load_block(const std::string& file) {
-    std::ifstream f(file, std::ios::binary);
-    if (!f) throw std::runtime_error(file + ": " + std::strerror(errno));
-    std::ostringstream text;
-    text << f.rdbuf();
-    if (f.bad()) throw std::runtime_error(file + ": read error");
-    return parse_block(text.str());
+std::string read_block_text(const std::string& file) {
+    const bool stdinput = file == "-";
+    const int fd = stdinput ? STDIN_FILENO : ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) throw std::runtime_error(std::strerror(errno));
+    std::string text;
+    char buffer[1 << 16];
+    int error = 0;
+    for (;;) {
+        const ssize_t n = ::read(fd, buffer, sizeof buffer);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) error = errno;
+        if (n <= 0) break;
+        text.append(buffer, static_cast<std::size_t>(n));
+        if (text.size() > kMaxBlockBytes) break;  // refused by parse_block
+    }
+    if (!stdinput) ::close(fd);
+    if (error != 0) throw std::runtime_error(std::strerror(error));
+    return text;
 }
+
+BlockInput load_block(const std::string& file) { return parse_block(read_block_text(file)); }
 
 }  // namespace streamgen

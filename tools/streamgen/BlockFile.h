@@ -41,10 +41,16 @@ struct BlockInput {
     std::optional<uint64_t> frames;
 };
 
-// Reads and checks `file`; throws InputError (where: the JSON path) on bad input, and
-// std::runtime_error when the file cannot be read.
+// The largest block accepted, in bytes of JSON text.
+constexpr std::size_t kMaxBlockBytes = std::size_t{64} << 20;
+
+// Reads and checks `file` ("-": standard input); throws InputError (where: the JSON path) on
+// bad input, including a key given twice in an object and text beyond kMaxBlockBytes, and
+// std::runtime_error with the system's reason when the file cannot be read.
 BlockInput load_block(const std::string& file);
-// The same, from JSON text.
+// The text of `file` ("-": standard input), reading at most a byte beyond kMaxBlockBytes.
+std::string read_block_text(const std::string& file);
+// Reads and checks JSON text.
 BlockInput parse_block(const std::string& text);
 
 }  // namespace streamgen

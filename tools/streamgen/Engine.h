@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "common/FramePlan.h"
 #include "tools/streamgen/BlockFile.h"
 
 namespace streamgen {
@@ -41,11 +42,19 @@ class BlockModifiers {
     // Moves every modifier to frame `index` (from a fresh state).
     void Seek(uint64_t index);
 
-    // Gives every modifier its field: the host's (a named header field or a bit range), or
-    // without one the whole frame; the record's offset is the byte offset inside the field.
-    // Throws InputError naming the host entry (or the record's offset) when the library
-    // refuses the field.
-    void PlaceFields(const BlockInput& in);
+    // Gives every modifier its field: the host's (a named header field or a bit range);
+    // without one, the field named by the record's offsetReference when it is a known field
+    // name; otherwise the whole frame, with a warning. The record's offset is the byte
+    // offset inside the field. Throws InputError naming the host entry (or the record's
+    // offset) when the library refuses the field. Warnings are "<JSON path>: <text>".
+    void PlaceFields(const BlockInput& in, std::vector<std::string>* warnings = nullptr);
+    // The block's frames compiled for stamping (after PlaceFields). Throws InputError naming
+    // the modifier whose value does not fit the frame.
+    vrm::common::FramePlan MakePlan(const BlockInput& in);
+    // What a valid, placed block does that a user may not expect: modifiers writing the same
+    // bits of the frame, and range values whose stepping carries through bits outside the
+    // mask (the frames then differ from the values by index). "<JSON path>: <text>" lines.
+    std::vector<std::string> Warnings(const BlockInput& in);
     // Writes every modifier's current value into `frame`.
     void Modify(std::vector<uint8_t>& frame);
 

@@ -6,18 +6,6 @@ namespace streamgen {
 
 namespace {
 
-// Where the headers of a frame template start (byte offsets; -1 when absent).
-struct Layout {
-    std::vector<unsigned int> vlanTags;  // offset of each tag's TCI
-    unsigned int typeOffset = 12;        // the ethertype after the tags
-    unsigned int etherType = 0;
-    long ipv4 = -1;
-    long ipv6 = -1;
-    int ipProtocol = -1;
-    long l4 = -1;
-    std::string note;  // why parsing stopped early
-};
-
 unsigned int be16(const std::vector<uint8_t>& f, std::size_t at) {
     return static_cast<unsigned int>(f[at]) << 8 | f[at + 1];
 }
@@ -28,8 +16,10 @@ std::string hex16(unsigned int v) {
     return buf;
 }
 
-Layout parse(const std::vector<uint8_t>& f) {
-    Layout l;
+}  // namespace
+
+FrameLayout frame_layout(const std::vector<uint8_t>& f) {
+    FrameLayout l;
     if (f.size() < 14) {
         l.note =
             "the frame template is shorter than an Ethernet header (" + std::to_string(f.size()) + " bytes)";
@@ -78,6 +68,8 @@ Layout parse(const std::vector<uint8_t>& f) {
     return l;
 }
 
+namespace {
+
 FieldPlace bytes(long byteOffset, unsigned int bitLength, unsigned int bitShift = 0) {
     return FieldPlace{static_cast<unsigned int>(byteOffset) * 8u + bitShift, bitLength};
 }
@@ -94,7 +86,7 @@ const std::vector<std::string>& field_names() {
 
 bool resolve_field(const std::vector<uint8_t>& frame, const std::string& name, FieldPlace& place,
                    std::string& why) {
-    const Layout l = parse(frame);
+    const FrameLayout l = frame_layout(frame);
     auto fail = [&](const std::string& reason) {
         why = reason.empty() ? "not found in the frame template" : reason;
         return false;

@@ -13,6 +13,21 @@ struct FieldPlace {
     unsigned int bitLength = 0;
 };
 
+// Where the headers of a frame template start (byte offsets; -1 when absent).
+struct FrameLayout {
+    std::vector<unsigned int> vlanTags;  // offset of each tag's TCI
+    unsigned int typeOffset = 12;        // the ethertype after the tags
+    unsigned int etherType = 0;
+    long ipv4 = -1;
+    long ipv6 = -1;
+    int ipProtocol = -1;
+    long l4 = -1;
+    std::string note;  // why parsing stopped early
+};
+
+// Parses the headers of `frame` as far as they go.
+FrameLayout frame_layout(const std::vector<uint8_t>& frame);
+
 // The names resolve_field() knows, in the order the help text lists them.
 const std::vector<std::string>& field_names();
 

@@ -125,7 +125,14 @@ T read_integer(const Json& j, const std::string& path) {
         }
         return static_cast<T>(v);
     }
-    if (j.is_number_float()) throw InputError(path, "expected an integer, got a fraction");
+    if (j.is_number_float()) {
+        // Integers beyond 64 bits arrive as floating point.
+        const double d = j.get<double>();
+        if (d >= 9.2e18 || d <= -9.2e18) throw InputError(path, range);
+        if (d == static_cast<double>(static_cast<long long>(d)))
+            throw InputError(path, "expected an integer without a decimal point or exponent");
+        throw InputError(path, "expected an integer, got a fraction");
+    }
     throw InputError(path, "expected an integer, got " + json_kind(j));
 }
 

@@ -1,15 +1,19 @@
 #include "tools/streamgen/PcapOut.h"
 
-#include <pcap/pcap.h>
-
+#include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <chrono>
-#include <cstdio>
+#include <condition_variable>
 #include <cstring>
 #include <exception>
+#include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <thread>
+#include <vector>
+
+#include "tools/streamgen/Checksums.h"
+#include "tools/streamgen/OutputFile.h"
 
 namespace streamgen {
 
@@ -17,136 +21,126 @@ namespace {
 
 constexpr std::size_t kFileHeader = 24;
 constexpr std::size_t kRecordHeader = 16;
-constexpr std::size_t kStdioBuffer = 1 << 20;
+constexpr std::size_t kBlockBytes = std::size_t{1} << 20;
 
-struct PcapHandle {
-    pcap_t* p = nullptr;
-    ~PcapHandle() {
-        if (p) pcap_close(p);
-    }
-};
+void put32(unsigned char* at, std::uint32_t v) { std::memcpy(at, &v, 4); }
+void put16(unsigned char* at, std::uint16_t v) { std::memcpy(at, &v, 2); }
 
-struct Part {
-    uint64_t first = 0;
-    uint64_t count = 0;
-    pcap_dumper_t* dumper = nullptr;
-    std::unique_ptr<char[]> buffer;
-    std::atomic<uint64_t> done{0};
+// Blocks handed out by index and written strictly in index order.
+struct Shared {
+    std::mutex mutex;
+    std::condition_variable turnChanged;
+    std::uint64_t turn = 0;  // the block to write next
+    bool failed = false;
     std::exception_ptr error;
-    std::atomic<bool> failed{false};
+    std::atomic<std::uint64_t> done{0};
 };
 
-std::runtime_error io_error(const std::string& path, const std::string& what) {
-    return std::runtime_error(path + ": " + what);
-}
+struct Job {
+    std::uint64_t count;
+    std::size_t frameLength;
+    std::uint64_t blockFrames;
+    std::uint64_t blocks;
+    unsigned threads;
+    const FrameStamp* stamp;
+    const FrameChecksums* checksums;
+    OutputFile* out;
+};
 
-// Opens a dumper on `path` at byte `at` (0: a new file).
-pcap_dumper_t* open_dumper(pcap_t* p, const std::string& path, uint64_t at, Part& part) {
-    FILE* f = std::fopen(path.c_str(), at == 0 ? "wb" : "r+b");
-    if (f == nullptr) throw io_error(path, std::strerror(errno));
-    part.buffer.reset(new char[kStdioBuffer]);
-    std::setvbuf(f, part.buffer.get(), _IOFBF, kStdioBuffer);
-    if (at != 0 && fseeko(f, static_cast<off_t>(at), SEEK_SET) != 0) {
-        const int e = errno;
-        std::fclose(f);
-        throw io_error(path, std::strerror(e));
-    }
-    pcap_dumper_t* d = pcap_dump_fopen(p, f);
-    if (d == nullptr) {
-        std::fclose(f);
-        throw io_error(path, pcap_geterr(p));
-    }
-    if (pcap_dump_flush(d) != 0) {
-        pcap_dump_close(d);
-        throw io_error(path, "cannot write the file header");
-    }
-    return d;
-}
-
-void run_part(Part& part, std::size_t frameLength, const ProducerFactory& make) {
+void run_worker(unsigned t, const Job& job, Shared& shared) {
     try {
-        std::unique_ptr<FrameProducer> producer = make(part.first);
-        pcap_pkthdr header{};
-        header.caplen = static_cast<bpf_u_int32>(frameLength);
-        header.len = static_cast<bpf_u_int32>(frameLength);
-        auto* user = reinterpret_cast<u_char*>(part.dumper);
-        const uint64_t end = part.first + part.count;
-        for (uint64_t i = part.first; i < end; ++i) {
-            const std::vector<uint8_t>& frame = producer->Next();
-            header.ts.tv_sec = static_cast<time_t>(i / 1000000);
-            header.ts.tv_usec = static_cast<suseconds_t>(i % 1000000);
-            pcap_dump(user, &header, frame.data());
-            if ((i & 0xfff) == 0xfff) {
-                part.done.store(i + 1 - part.first, std::memory_order_relaxed);
+        const std::size_t record = kRecordHeader + job.frameLength;
+        std::vector<unsigned char> buffer(static_cast<std::size_t>(job.blockFrames) * record);
+        for (std::uint64_t b = t; b < job.blocks; b += job.threads) {
+            const std::uint64_t first = b * job.blockFrames;
+            const auto n = static_cast<std::size_t>(std::min(job.blockFrames, job.count - first));
+            unsigned char* p = buffer.data();
+            (*job.stamp)(first, n, p + kRecordHeader, record);
+            for (std::size_t k = 0; k < n; ++k, p += record) {
+                const std::uint64_t i = first + k;
+                put32(p, static_cast<std::uint32_t>(i / 1000000));
+                put32(p + 4, static_cast<std::uint32_t>(i % 1000000));
+                put32(p + 8, static_cast<std::uint32_t>(job.frameLength));
+                put32(p + 12, static_cast<std::uint32_t>(job.frameLength));
             }
+            if (job.checksums != nullptr) job.checksums->Apply(buffer.data() + kRecordHeader, n, record);
+            std::unique_lock<std::mutex> lock(shared.mutex);
+            shared.turnChanged.wait(lock, [&] { return shared.turn == b || shared.failed; });
+            if (shared.failed) return;
+            lock.unlock();
+            job.out->Write(buffer.data(), n * record);
+            lock.lock();
+            shared.turn = b + 1;
+            shared.done.fetch_add(n, std::memory_order_relaxed);
+            shared.turnChanged.notify_all();
         }
-        part.done.store(part.count, std::memory_order_relaxed);
     } catch (...) {
-        part.error = std::current_exception();
-        part.failed.store(true, std::memory_order_relaxed);
+        std::lock_guard<std::mutex> lock(shared.mutex);
+        if (!shared.error) shared.error = std::current_exception();
+        shared.failed = true;
+        shared.turnChanged.notify_all();
     }
 }
 
 }  // namespace
 
-PcapSummary write_pcap(const std::string& path, uint64_t count, unsigned threads, std::size_t frameLength,
-                       const ProducerFactory& make, const std::function<void(uint64_t done)>& progress) {
-    const auto start = std::chrono::steady_clock::now();
-    if (threads == 0) threads = 1;
-    if (count < threads) threads = count == 0 ? 1 : static_cast<unsigned>(count);
-    const int snaplen = frameLength > 65535 ? static_cast<int>(frameLength) : 65535;
-
-    PcapHandle handle;
-    handle.p = pcap_open_dead(DLT_EN10MB, snaplen);
-    if (handle.p == nullptr) throw std::runtime_error("libpcap: cannot create a dead capture handle");
-
-    const uint64_t recordSize = kRecordHeader + frameLength;
-    std::vector<std::unique_ptr<Part>> parts;
-    for (unsigned t = 0; t < threads; ++t) {
-        auto part = std::make_unique<Part>();
-        part->first = count / threads * t + std::min<uint64_t>(t, count % threads);
-        part->count = count / threads + (t < count % threads ? 1 : 0);
-        parts.push_back(std::move(part));
+PcapSummary write_pcap(const std::string& path, std::uint64_t count, std::size_t frameLength,
+                       const FrameStamp& stamp, const PcapOptions& options) {
+    const auto started = std::chrono::steady_clock::now();
+    if (frameLength > kPcapMaxFrame) {
+        throw std::invalid_argument("frames of " + std::to_string(frameLength) +
+                                    " bytes are longer than the " + std::to_string(kPcapMaxFrame) +
+                                    " bytes pcap readers accept");
     }
-    auto close_all = [&parts] {
-        for (auto& part : parts) {
-            if (part->dumper) pcap_dump_close(part->dumper);
-            part->dumper = nullptr;
-        }
-    };
+    const std::size_t record = kRecordHeader + frameLength;
+    Job job{};
+    job.count = count;
+    job.frameLength = frameLength;
+    job.blockFrames = std::max<std::uint64_t>(1, kBlockBytes / record);
+    job.blocks = (count + job.blockFrames - 1) / job.blockFrames;
+    job.threads = static_cast<unsigned>(std::max<std::uint64_t>(
+        1, std::min<std::uint64_t>(options.threads == 0 ? 1 : options.threads, job.blocks)));
+    job.stamp = &stamp;
+    job.checksums = options.checksums != nullptr && options.checksums->Any() ? options.checksums : nullptr;
+
+    OutputFile out(path);
+    job.out = &out;
+    unsigned char header[kFileHeader] = {};
+    put32(header, 0xa1b2c3d4u);
+    put16(header + 4, 2);
+    put16(header + 6, 4);
+    put32(header + 16, static_cast<std::uint32_t>(std::max<std::size_t>(65535, frameLength)));
+    put32(header + 20, 1);  // Ethernet
+    out.Write(header, sizeof header);
+
+    Shared shared;
+    std::vector<std::thread> workers;
+    const unsigned inline0 = options.progress ? 0 : 1;  // the caller works too unless it reports
     try {
-        // All headers first, in order; the threads' records then overwrite the later ones.
-        for (auto& part : parts) {
-            const uint64_t at = part->first == 0 ? 0 : kFileHeader + part->first * recordSize - kFileHeader;
-            part->dumper = open_dumper(handle.p, path, at, *part);
-        }
+        for (unsigned t = inline0; t < job.threads; ++t) workers.emplace_back(run_worker, t, std::cref(job), std::ref(shared));
     } catch (...) {
-        close_all();
+        {
+            std::lock_guard<std::mutex> lock(shared.mutex);
+            shared.failed = true;
+        }
+        shared.turnChanged.notify_all();
+        for (auto& w : workers) w.join();
         throw;
     }
-
-    std::vector<std::thread> workers;
-    for (std::size_t t = 1; t < parts.size(); ++t) {
-        workers.emplace_back(run_part, std::ref(*parts[t]), frameLength, std::cref(make));
-    }
-    if (progress) {
-        workers.emplace_back(run_part, std::ref(*parts[0]), frameLength, std::cref(make));
+    if (inline0 == 1) {
+        run_worker(0, job, shared);
     } else {
-        run_part(*parts[0], frameLength, make);
-    }
-    if (progress) {
-        // Polls often (short runs end at once) and reports about ten times a second.
         auto last = std::chrono::steady_clock::now();
         for (;;) {
-            uint64_t done = 0;
-            bool failed = false;
-            for (auto& part : parts) {
-                done += part->done.load(std::memory_order_relaxed);
-                failed = failed || part->failed.load(std::memory_order_relaxed);
+            const std::uint64_t done = shared.done.load(std::memory_order_relaxed);
+            bool failed;
+            {
+                std::lock_guard<std::mutex> lock(shared.mutex);
+                failed = shared.failed;
             }
             const auto now = std::chrono::steady_clock::now();
             if (done >= count || failed || now - last >= std::chrono::milliseconds(100)) {
-                progress(done);
+                options.progress(done);
                 last = now;
             }
             if (done >= count || failed) break;
@@ -154,26 +148,13 @@ PcapSummary write_pcap(const std::string& path, uint64_t count, unsigned threads
         }
     }
     for (auto& w : workers) w.join();
-
-    std::exception_ptr error;
-    for (auto& part : parts) {
-        if (part->error && !error) error = part->error;
-    }
-    bool writeFailed = false;
-    for (auto& part : parts) {
-        if (part->dumper &&
-            (pcap_dump_flush(part->dumper) != 0 || std::ferror(pcap_dump_file(part->dumper)))) {
-            writeFailed = true;
-        }
-    }
-    close_all();
-    if (error) std::rethrow_exception(error);
-    if (writeFailed) throw io_error(path, "write failed");
+    if (shared.error) std::rethrow_exception(shared.error);
+    out.Commit();
 
     PcapSummary summary;
     summary.frames = count;
-    summary.bytes = kFileHeader + count * recordSize;
-    summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    summary.bytes = kFileHeader + count * record;
+    summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     return summary;
 }
 

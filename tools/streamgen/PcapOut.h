@@ -1,46 +1,50 @@
-// Writing frames to a pcap file (Ethernet link type) through libpcap, from one or more
-// threads.
+// Writing frames to a pcap capture (microseconds, Ethernet link type, the machine's byte
+// order) from one or more threads.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <string>
-#include <vector>
 
 namespace streamgen {
 
-// Produces consecutive frames of a block from some first index on.
-class FrameProducer {
-  public:
-    virtual ~FrameProducer() = default;
-    // The next frame; valid until the next call.
-    virtual const std::vector<uint8_t>& Next() = 0;
-};
+class FrameChecksums;
 
-// Makes a producer whose first frame is frame `first`.
-using ProducerFactory = std::function<std::unique_ptr<FrameProducer>(uint64_t first)>;
+// The longest frame common pcap readers accept in a record.
+constexpr std::size_t kPcapMaxFrame = 262144;
+
+// Writes frames first .. first + count - 1, frame first + k at out + k * stride (every byte
+// of each frame; the bytes between frames are left alone). Called from several threads at
+// once with disjoint ranges.
+using FrameStamp = std::function<void(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride)>;
 
 struct PcapSummary {
-    uint64_t frames = 0;
-    uint64_t bytes = 0;  // size of the file
+    std::uint64_t frames = 0;
+    std::uint64_t bytes = 0;  // size of the capture
     double seconds = 0;
 };
 
-// Writes frames 0 .. count-1, each `frameLength` bytes, to `path`. Frame i is stamped i
-// microseconds after the epoch, so the file depends on nothing but the frames.
+struct PcapOptions {
+    unsigned threads = 1;
+    // Recomputed in every frame after stamping; null leaves the bytes as stamped.
+    const FrameChecksums* checksums = nullptr;
+    // Called from the calling thread about ten times a second with the frames written.
+    std::function<void(std::uint64_t done)> progress;
+};
+
+// Writes frames 0 .. count-1, each `frameLength` bytes (at most kPcapMaxFrame), to `path`
+// ("-": standard output) through an OutputFile: the capture appears only when complete.
+// Frame i is stamped i microseconds after the epoch, so the file depends on nothing but the
+// frames.
 //
-// With `threads` > 1 the range is cut into that many contiguous parts, one per thread, each
-// with its own producer positioned at its first frame. Every record has the same size, so
-// each part's place in the file is known in advance: each thread writes its part through
-// its own libpcap dumper opened on the same file at that place. A dumper begins with the
-// 24-byte file header; for the parts after the first it lands on the last 24 bytes of the
-// part before, which that part's thread overwrites later (the headers are written before
-// any thread starts). The file is thus byte-identical for any number of threads.
+// The range is cut into blocks of about a megabyte; thread t stamps blocks t, t + threads,
+// ... each from its own first frame, and the blocks are written in order, so the capture is
+// byte-identical for any number of threads and is written front to back.
 //
-// `progress` is called from the calling thread about ten times a second with the frames
-// written so far. Throws std::runtime_error on an I/O failure, and what a producer throws.
-PcapSummary write_pcap(const std::string& path, uint64_t count, unsigned threads, std::size_t frameLength,
-                       const ProducerFactory& make, const std::function<void(uint64_t done)>& progress);
+// Throws std::invalid_argument for a frame length beyond kPcapMaxFrame, std::runtime_error
+// "<path>: <reason>" on an I/O failure, and what `stamp` throws.
+PcapSummary write_pcap(const std::string& path, std::uint64_t count, std::size_t frameLength,
+                       const FrameStamp& stamp, const PcapOptions& options = {});
 
 }  // namespace streamgen

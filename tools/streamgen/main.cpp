@@ -8,7 +8,9 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -27,9 +29,11 @@
 #include "platform/Tm_json.h"
 #include "tools/streamgen/BlockFile.h"
 #include "tools/streamgen/Catalogue.h"
+#include "tools/streamgen/Checksums.h"
 #include "tools/streamgen/Engine.h"
 #include "tools/streamgen/FrameFields.h"
 #include "tools/streamgen/JsonRecord.h"
+#include "tools/streamgen/OutputFile.h"
 #include "tools/streamgen/PcapOut.h"
 
 namespace {
@@ -42,11 +46,23 @@ constexpr int kBadInput = 2;
 constexpr uint64_t kDefaultFrames = 16;
 constexpr uint64_t kIndexLimit = uint64_t{1} << 32;  // frame indexes are 32-bit in the library
 
+// Unsigned options refuse a minus sign (the conversion would wrap it round).
+const CLI::Validator kNotNegative(
+    [](std::string& text) {
+        return text.find('-') == std::string::npos ? std::string() : "expected 0 or more, got " + text;
+    },
+    "", "not negative");
+
 // A failure with its exit status and one-line message.
 struct Exit {
     int status;
     std::string message;
 };
+
+// Prints a warning line to standard error.
+void warn(const std::string& file, const std::string& text) {
+    std::cerr << "streamgen: " << file << ": warning: " << text << '\n';
+}
 
 // Builds the block's modifiers; an invalid block ends the command with status 1 after the
 // library's lines (on standard error: standard output is the command's own).
@@ -61,32 +77,53 @@ uint64_t frame_count(const BlockInput& in, const CLI::Option* countOpt, uint64_t
     return in.frames ? *in.frames : kDefaultFrames;
 }
 
+// Everything `frames` checks before it writes: the frame template, the fields, the plan.
+vrm::common::FramePlan checked_plan(const BlockInput& in, BlockModifiers& mods,
+                                    std::vector<std::string>* warnings) {
+    if (in.frame.empty()) throw InputError("baseStream.frame.data", "the frame template is empty");
+    if (in.frame.size() > kPcapMaxFrame) {
+        throw InputError("baseStream.frame.data", "the frame template has " + std::to_string(in.frame.size()) +
+                                                      " bytes; pcap readers accept at most " +
+                                                      std::to_string(kPcapMaxFrame));
+    }
+    mods.PlaceFields(in, warnings);
+    return mods.MakePlan(in);
+}
+
 // --- validate ----------------------------------------------------------------------------------
 
-int cmd_validate(const BlockInput& in) {
+int cmd_validate(const std::string& file, const BlockInput& in) {
     BlockModifiers mods(in);
     std::cout << mods.ValidationText();
     if (!mods.Valid()) return kInvalid;
+    std::vector<std::string> warnings;
+    checked_plan(in, mods, &warnings);
+    for (const auto& w : mods.Warnings(in)) warnings.push_back(w);
+    for (const auto& w : warnings) warn(file, w);
     std::cout << "valid: " << in.block.rangeModifiers.size() << " range modifier(s), "
               << in.block.tableModifiers.size() << " table modifier(s), " << in.block.modLinks.size()
-              << " link(s)\n";
+              << " link(s)" << (warnings.empty() ? "" : ", " + std::to_string(warnings.size()) + " warning(s)")
+              << '\n';
     return kOk;
 }
 
 // --- values ------------------------------------------------------------------------------------
 
 int cmd_values(const BlockInput& in, uint64_t count, uint64_t start, bool at) {
-    if (start + count > kIndexLimit) {
-        throw InputError("--start/--count", "frame indexes go up to " + std::to_string(kIndexLimit - 1));
+    if (start >= kIndexLimit || count > kIndexLimit - start) {
+        throw InputError("--start/--count", "frame indexes go from 0 to " + std::to_string(kIndexLimit - 1) +
+                                                 "; --start " + std::to_string(start) + " --count " +
+                                                 std::to_string(count) + " goes beyond");
     }
     auto mods = build_valid(in);
+    // From frame 0 the lines are computed by stepping; elsewhere, and with --at, by index.
+    const bool byIndex = at || start > 0;
     std::string line;
     std::vector<uint8_t> value;
-    if (!at) mods->Seek(start);
     for (uint64_t i = start; i < start + count; ++i) {
         line = std::to_string(i);
         for (std::size_t m = 0; m < mods->Size(); ++m) {
-            if (at) {
+            if (byIndex) {
                 mods->ValueAt(m, value, static_cast<uint32_t>(i));
             } else {
                 mods->Value(m, value);
@@ -95,80 +132,76 @@ int cmd_values(const BlockInput& in, uint64_t count, uint64_t start, bool at) {
             line += to_hex(value);
         }
         line += '\n';
-        std::fwrite(line.data(), 1, line.size(), stdout);
-        if (!at) mods->Next();
+        if (std::fwrite(line.data(), 1, line.size(), stdout) != line.size()) return kInvalid;
+        if (!byIndex) mods->Next();
     }
     return kOk;
 }
 
 // --- frames ------------------------------------------------------------------------------------
 
-class BlockProducer : public FrameProducer {
-  public:
-    BlockProducer(const BlockInput& in, uint64_t first) : m_template(in.frame), m_frame(in.frame) {
-        m_mods = build_valid(in);
-        m_mods->PlaceFields(in);
-        m_mods->Seek(first);
+std::string duration(double seconds) {
+    const auto s = static_cast<unsigned long long>(seconds + 0.5);
+    char buf[32];
+    if (s >= 3600) {
+        std::snprintf(buf, sizeof buf, "%lluh%02llum", s / 3600, s / 60 % 60);
+    } else {
+        std::snprintf(buf, sizeof buf, "%llum%02llus", s / 60, s % 60);
     }
-    const std::vector<uint8_t>& Next() override {
-        std::copy(m_template.begin(), m_template.end(), m_frame.begin());
-        m_mods->Modify(m_frame);
-        m_mods->Next();
-        return m_frame;
-    }
+    return buf;
+}
 
-  private:
-    const std::vector<uint8_t>& m_template;
-    std::vector<uint8_t> m_frame;
-    std::unique_ptr<BlockModifiers> m_mods;
-};
-
-int cmd_frames(const BlockInput& in, const std::string& out, uint64_t count, unsigned threads) {
+int cmd_frames(const std::string& file, const BlockInput& in, const std::string& out, uint64_t count,
+               unsigned threads, bool checksums) {
     if (count > kIndexLimit)
         throw InputError("--count", "at most " + std::to_string(kIndexLimit) + " frames");
-    build_valid(in);
-    if (in.frame.empty()) throw InputError("baseStream.frame.data", "the frame template is empty");
-    {
-        // Checks the block and the field places once, before any file is touched.
-        BlockProducer check(in, 0);
-    }
+    if (same_file(file, out)) throw InputError("--output", out + " is the block file itself");
+    auto mods = build_valid(in);
+    std::vector<std::string> warnings;
+    const vrm::common::FramePlan plan = checked_plan(in, *mods, &warnings);
+    for (const auto& w : warnings) warn(file, w);
+    const FrameChecksums sums(in.frame);
+
     const bool terminal = isatty(STDERR_FILENO) == 1;
     const auto started = std::chrono::steady_clock::now();
     bool drawn = false;
-    auto progress = [&](uint64_t done) {
-        const double elapsed =
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
-        if (!terminal || elapsed < 1.0 || count == 0) return;
-        const int width = 40;
-        const int filled = static_cast<int>(static_cast<double>(done) / static_cast<double>(count) * width);
-        std::fprintf(stderr, "\r[%s%s] %3d%% %llu/%llu frames",
-                     std::string(static_cast<std::size_t>(filled), '#').c_str(),
-                     std::string(static_cast<std::size_t>(width - filled), ' ').c_str(),
+    PcapOptions options;
+    options.threads = threads;
+    options.checksums = checksums ? &sums : nullptr;
+    options.progress = [&](uint64_t done) {
+        const double elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+        if (!terminal || elapsed < 1.0 || count == 0 || done == 0) return;
+        const double rate = static_cast<double>(done) / elapsed;
+        const double left = static_cast<double>(count - done) / rate;
+        std::fprintf(stderr, "\r\033[K%3d%% %llu/%llu frames, %.0f frames/s, %s left",
                      static_cast<int>(static_cast<double>(done) * 100.0 / static_cast<double>(count)),
-                     static_cast<unsigned long long>(done), static_cast<unsigned long long>(count));
-        std::fflush(stderr);
+                     static_cast<unsigned long long>(done), static_cast<unsigned long long>(count), rate,
+                     duration(left).c_str());
         drawn = true;
     };
-    ProducerFactory make = [&in](uint64_t first) { return std::make_unique<BlockProducer>(in, first); };
+    if (!terminal) options.progress = nullptr;
+    const FrameStamp stamp = [&plan](uint64_t first, std::size_t n, unsigned char* at, std::size_t stride) {
+        plan.Stamp(first, n, at, stride);
+    };
     PcapSummary s;
     try {
-        s = write_pcap(out, count, threads, in.frame.size(), make, progress);
+        s = write_pcap(out, count, in.frame.size(), stamp, options);
     } catch (const std::runtime_error& e) {
-        if (dynamic_cast<const InputError*>(&e) != nullptr || dynamic_cast<const BuildError*>(&e) != nullptr)
-            throw;
+        if (drawn) std::fprintf(stderr, "\r\033[K");
         throw Exit{kInvalid, e.what()};
     }
     if (drawn) std::fprintf(stderr, "\r\033[K");
     const double fps = s.seconds > 0 ? static_cast<double>(s.frames) / s.seconds : 0.0;
-    std::printf("%llu frames, %llu bytes in %.3f s (%.0f frames/s) -> %s\n",
-                static_cast<unsigned long long>(s.frames), static_cast<unsigned long long>(s.bytes),
-                s.seconds, fps, out.c_str());
+    std::fprintf(stderr, "%llu frames, %llu bytes in %.3f s (%.0f frames/s), checksums %s -> %s\n",
+                 static_cast<unsigned long long>(s.frames), static_cast<unsigned long long>(s.bytes), s.seconds,
+                 fps, checksums ? sums.Names().c_str() : "kept", out == "-" ? "standard output" : out.c_str());
     return kOk;
 }
 
 // --- request, decode, describe -----------------------------------------------------------------
 
-int cmd_request(const BlockInput& in, const std::string& out) {
+int cmd_request(const std::string& file, const BlockInput& in, const std::string& out) {
+    if (!out.empty() && same_file(file, out)) throw InputError("--output", out + " is the block file itself");
     auto mods = build_valid(in);
     const std::vector<Generator_3_bll::streamBlock_s> blocks{mods->ToRpc(in.block)};
     Message m;
@@ -178,23 +211,33 @@ int cmd_request(const BlockInput& in, const std::string& out) {
         return kOk;
     }
     const std::vector<unsigned char> bytes = tmsg::encode(m);
-    std::ofstream f(out, std::ios::binary | std::ios::trunc);
-    f.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    f.close();
-    if (!f) throw Exit{kInvalid, out + ": cannot write"};
-    std::cout << m.get_request_name() << ": " << bytes.size() << " bytes -> " << out << '\n';
+    try {
+        OutputFile f(out);
+        f.Write(bytes.data(), bytes.size());
+        f.Commit();
+    } catch (const std::runtime_error& e) {
+        throw Exit{kInvalid, e.what()};
+    }
+    std::cerr << m.get_request_name() << ": " << bytes.size() << " bytes -> "
+              << (out == "-" ? "standard output" : out) << '\n';
     return kOk;
 }
 
 int cmd_decode(const std::string& file) {
-    std::ifstream f(file, std::ios::binary);
-    if (!f) throw Exit{kBadInput, file + ": cannot open"};
-    const std::vector<unsigned char> bytes((std::istreambuf_iterator<char>(f)),
-                                           std::istreambuf_iterator<char>());
+    std::string text;
+    try {
+        text = read_block_text(file);
+    } catch (const std::runtime_error& e) {
+        throw Exit{kBadInput, file + ": " + e.what()};
+    }
+    if (text.size() > kMaxBlockBytes) {
+        throw Exit{kBadInput, file + ": larger than the limit of " + std::to_string(kMaxBlockBytes >> 20) + " MiB"};
+    }
+    const std::vector<unsigned char> bytes(text.begin(), text.end());
     Message m;
     try {
         tmsg::decode(bytes, m);
-    } catch (const Tm_exception& e) {
+    } catch (const std::exception& e) {
         throw Exit{kBadInput, file + ": " + e.what()};
     }
     std::cout << tmsg::to_json(m, 2) << '\n';
@@ -220,57 +263,85 @@ std::string field_list() {
 
 }  // namespace
 
+// Standard output must have taken every byte: a full disk or a closed pipe is a failure.
+bool stdout_ok() {
+    std::cout.flush();
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 && !std::cout.fail();
+}
+
+int finish(int status) {
+    if (!stdout_ok()) {
+        std::cerr << "streamgen: standard output: " << std::strerror(errno != 0 ? errno : EIO) << '\n';
+        return status == kOk ? kInvalid : status;
+    }
+    return status;
+}
+
 int main(int argc, char** argv) {
     CLI::App app{
         "streamgen: check a stream block described in JSON, see the values its modifiers take, "
-        "write its frames to a pcap file and see the request the library builds for it."};
+        "write its frames to a pcap file and see the request the library builds for it.\n"
+        "The block format is described in docs/streamgen.md."};
     app.require_subcommand(1);
+    app.set_version_flag("--version", std::string("streamgen ") + STREAMGEN_VERSION);
     app.footer(
+        "BLOCK and -o accept - for standard input and standard output; summaries, warnings and progress "
+        "go to standard error.\n"
         "Exit status: 0 success, 1 invalid block or output failure, 2 bad input.\n"
         "Example: streamgen frames examples/ipv4-udp.json -o ipv4-udp.pcap --count 1000\n"
         "Fields for host.modifiers[].field: " +
         field_list() + " (vlan[N].id and vlan[N].pcp for inner tags).");
 
-    std::string file, out, method;
+    std::string file, out, method, checksums = "recompute";
     uint64_t count = 0, start = 0;
     unsigned threads = 1;
     bool at = false, json = false;
 
-    auto* validate =
-        app.add_subcommand("validate", "Build, link and validate all modifiers; print the library's lines");
-    validate->add_option("BLOCK", file, "Stream block JSON file")->required();
+    auto* validate = app.add_subcommand(
+        "validate", "Run every check of frames short of writing: the library's lines, fields, warnings");
+    validate->add_option("BLOCK", file, "Stream block JSON file (- for standard input)")->required();
     validate->footer(
+        "Warnings (standard error): modifiers writing the same bits, stepping that carries through bits "
+        "outside the mask, modifiers without a field.\n"
         "Exit status 0 valid, 1 invalid, 2 bad input.\nExample: streamgen validate examples/invalid.json");
 
     auto* values = app.add_subcommand(
         "values", "One line per frame: the index, then each modifier's value in hex (modIndex order)");
-    values->add_option("BLOCK", file, "Stream block JSON file")->required();
-    auto* valuesCount = values->add_option("--count", count, "Frames (default: host.frames, else 16)");
-    values->add_option("--start", start, "First frame index (default 0)");
-    values->add_flag("--at", at, "Compute each line by index (GetValueAt) instead of stepping");
+    values->add_option("BLOCK", file, "Stream block JSON file (- for standard input)")->required();
+    auto* valuesCount = values->add_option("--count", count, "Frames (default: host.frames, else 16)")
+                            ->check(kNotNegative);
+    values->add_option("--start", start, "First frame index (default 0); the values there are found by index")
+        ->check(kNotNegative);
+    values->add_flag("--at", at, "Compute each line by index (GetValueAt) instead of stepping from frame 0");
     values->footer("Example: streamgen values examples/ipv4-udp.json --count 8 --start 250 --at");
 
-    auto* frames = app.add_subcommand("frames", "Write the frames to a pcap file (Ethernet) through libpcap");
-    frames->add_option("BLOCK", file, "Stream block JSON file")->required();
-    frames->add_option("-o,--output", out, "Output pcap file")->required();
-    auto* framesCount = frames->add_option("--count", count, "Frames (default: host.frames, else 16)");
+    auto* frames = app.add_subcommand("frames", "Write the frames to a pcap capture (Ethernet)");
+    frames->add_option("BLOCK", file, "Stream block JSON file (- for standard input)")->required();
+    frames->add_option("-o,--output", out, "Output pcap file (- for standard output)")->required();
+    auto* framesCount = frames->add_option("--count", count, "Frames (default: host.frames, else 16)")
+                            ->check(kNotNegative);
     frames->add_option("--threads", threads, "Threads; the file is the same for any number")
         ->check(CLI::Range(1u, 256u));
+    frames->add_option("--checksums", checksums,
+                       "recompute (default): IPv4 header, UDP, TCP, ICMPv4 and ICMPv6 checksums of every "
+                       "frame; keep: the bytes as the modifiers leave them")
+        ->check(CLI::IsMember({"recompute", "keep"}));
     frames->footer(
+        "The capture appears only when complete; an existing file is replaced then, never before.\n"
         "Example: streamgen frames examples/ipv4-udp.json -o /tmp/ipv4-udp.pcap --count 1000000 --threads 2");
 
     auto* request =
         app.add_subcommand("request", "The Generator_3.SetStreamBlock request for the block (after ToRpc)");
-    request->add_option("BLOCK", file, "Stream block JSON file")->required();
+    request->add_option("BLOCK", file, "Stream block JSON file (- for standard input)")->required();
     auto* jsonFlag = request->add_flag("--json", json, "Print the request as JSON (the default)");
-    request->add_option("-o,--output", out, "Write the request's wire bytes to this file")
+    request->add_option("-o,--output", out, "Write the request's wire bytes to this file (- for standard output)")
         ->excludes(jsonFlag);
     request->footer(
         "Examples: streamgen request examples/vlan-table.json --json\n"
         "          streamgen request examples/vlan-table.json -o vlan-table.bin");
 
     auto* decode = app.add_subcommand("decode", "Decode a message's wire bytes and print it as JSON");
-    decode->add_option("FILE", file, "File of wire bytes")->required();
+    decode->add_option("FILE", file, "File of wire bytes (- for standard input)")->required();
     decode->footer(
         "Exit status 2 for a malformed file.\n"
         "Example: streamgen request examples/vlan-table.json -o vlan-table.bin && streamgen decode "
@@ -281,37 +352,51 @@ int main(int argc, char** argv) {
     describe->add_option("METHOD", method, "Method name, e.g. SetStreamBlock");
     describe->footer("Examples: streamgen describe\n          streamgen describe SetStreamBlock");
 
+    bool known = argc < 2 || argv[1][0] == '-';
+    for (const CLI::App* sub : app.get_subcommands({})) known = known || sub->get_name() == argv[1];
+    if (!known) {
+        std::cerr << "streamgen: unknown command " << argv[1]
+                  << " (expected validate, values, frames, request, decode or describe)\n";
+        return kBadInput;
+    }
     try {
         app.parse(argc, argv);
+    } catch (const CLI::Success& e) {
+        return finish(app.exit(e));
     } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? kOk : kBadInput;
+        std::string what = e.what();
+        for (char& c : what) c = c == '\n' ? ' ' : c;
+        std::cerr << "streamgen: " << what << " (streamgen --help lists the options)\n";
+        return kBadInput;
     }
 
+    const std::string shown = file == "-" ? "standard input" : file;
     try {
-        if (validate->parsed()) return cmd_validate(load_block(file));
+        if (validate->parsed()) return finish(cmd_validate(shown, load_block(file)));
         if (values->parsed()) {
             const BlockInput in = load_block(file);
-            return cmd_values(in, frame_count(in, valuesCount, count), start, at);
+            return finish(cmd_values(in, frame_count(in, valuesCount, count), start, at));
         }
         if (frames->parsed()) {
             const BlockInput in = load_block(file);
-            return cmd_frames(in, out, frame_count(in, framesCount, count), threads);
+            return finish(cmd_frames(file, in, out, frame_count(in, framesCount, count), threads,
+                                     checksums == "recompute"));
         }
-        if (request->parsed()) return cmd_request(load_block(file), out);
-        if (decode->parsed()) return cmd_decode(file);
-        if (describe->parsed()) return cmd_describe(method);
+        if (request->parsed()) return finish(cmd_request(file, load_block(file), out));
+        if (decode->parsed()) return finish(cmd_decode(file));
+        if (describe->parsed()) return finish(cmd_describe(method));
     } catch (const Exit& e) {
         std::cerr << "streamgen: " << e.message
                   << (e.message.empty() || e.message.back() != '\n' ? "\n" : "");
         return e.status;
     } catch (const InputError& e) {
-        std::cerr << "streamgen: " << file << ": " << e.line() << '\n';
+        std::cerr << "streamgen: " << shown << ": " << e.line() << '\n';
         return kBadInput;
     } catch (const BuildError& e) {
-        std::cerr << "streamgen: " << file << ": " << e.what() << '\n';
+        std::cerr << "streamgen: " << shown << ": " << e.what() << '\n';
         return kInvalid;
     } catch (const std::exception& e) {
-        std::cerr << "streamgen: " << e.what() << '\n';
+        std::cerr << "streamgen: " << shown << ": " << e.what() << '\n';
         return kBadInput;
     }
     return kBadInput;

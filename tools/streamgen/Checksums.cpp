@@ -1,0 +1,143 @@
+#include "tools/streamgen/Checksums.h"
+
+#include <cstring>
+
+#include "tools/streamgen/FrameFields.h"
+
+namespace streamgen {
+
+namespace {
+
+// The ones-complement sum of RFC 1071 in the machine's byte order: the sum of 16-bit words
+// does not depend on the order of the bytes inside them, so words are added as they lie in
+// memory, 32 bits at a time, and the result is stored back the same way.
+inline std::uint64_t add_bytes(const std::uint8_t* p, std::size_t n, std::uint64_t acc) {
+    while (n >= 8) {
+        std::uint64_t w;
+        std::memcpy(&w, p, 8);
+        acc += (w & 0xffffffffu) + (w >> 32);
+        p += 8;
+        n -= 8;
+    }
+    if (n >= 4) {
+        std::uint32_t w;
+        std::memcpy(&w, p, 4);
+        acc += w;
+        p += 4;
+        n -= 4;
+    }
+    if (n >= 2) {
+        std::uint16_t w;
+        std::memcpy(&w, p, 2);
+        acc += w;
+        p += 2;
+        n -= 2;
+    }
+    if (n == 1) {
+        // The last odd byte is the high byte of a word whose low byte is 0.
+        std::uint8_t pair[2] = {*p, 0};
+        std::uint16_t w;
+        std::memcpy(&w, pair, 2);
+        acc += w;
+    }
+    return acc;
+}
+
+inline std::uint16_t fold(std::uint64_t acc) {
+    acc = (acc & 0xffffffffu) + (acc >> 32);
+    acc = (acc & 0xffffffffu) + (acc >> 32);
+    acc = (acc & 0xffffu) + (acc >> 16);
+    acc = (acc & 0xffffu) + (acc >> 16);
+    return static_cast<std::uint16_t>(acc);
+}
+
+inline void store(std::uint8_t* at, std::uint16_t checksum) { std::memcpy(at, &checksum, 2); }
+
+inline unsigned be16(const std::uint8_t* p) { return static_cast<unsigned>(p[0]) << 8 | p[1]; }
+
+}  // namespace
+
+FrameChecksums::FrameChecksums(const std::vector<std::uint8_t>& frameTemplate) : m_length(frameTemplate.size()) {
+    const FrameLayout l = frame_layout(frameTemplate);
+    m_ipv4 = l.ipv4;
+    m_ipv6 = l.ipv6;
+    m_ipv4Header = l.ipv4 >= 0 && l.l4 >= 0;  // a header of a sound length
+    if (l.l4 < 0) return;
+    m_l4Offset = l.l4;
+    m_protocol = static_cast<std::uint8_t>(l.ipProtocol);
+    const std::size_t left = frameTemplate.size() - static_cast<std::size_t>(l.l4);
+    if (l.ipProtocol == 17 && left >= 8) {
+        m_l4 = L4::Udp;
+    } else if (l.ipProtocol == 6 && left >= 20) {
+        m_l4 = L4::Tcp;
+    } else if (l.ipProtocol == 1 && l.ipv4 >= 0 && left >= 4) {
+        m_l4 = L4::Icmp4;
+    } else if (l.ipProtocol == 58 && l.ipv6 >= 0 && left >= 4) {
+        m_l4 = L4::Icmp6;
+    }
+}
+
+std::string FrameChecksums::Names() const {
+    std::string s = m_ipv4Header ? "IPv4 header" : "";
+    const char* l4 = m_l4 == L4::Udp ? "UDP" : m_l4 == L4::Tcp ? "TCP" : m_l4 == L4::Icmp4 ? "ICMPv4" : m_l4 == L4::Icmp6 ? "ICMPv6" : nullptr;
+    if (l4 != nullptr) s += (s.empty() ? "" : ", ") + std::string(l4);
+    return s.empty() ? "none" : s;
+}
+
+void FrameChecksums::Apply(std::uint8_t* f) const {
+    std::size_t l4Length = 0;  // bytes of the transport segment, from the IP header
+    bool l4Sound = false;
+    if (m_ipv4Header) {
+        std::uint8_t* ip = f + m_ipv4;
+        const std::size_t ihl = (ip[0] & 0x0fu) * 4u;
+        if (ihl < 20 || static_cast<std::size_t>(m_ipv4) + ihl > m_length) return;
+        ip[10] = 0;
+        ip[11] = 0;
+        store(ip + 10, static_cast<std::uint16_t>(~fold(add_bytes(ip, ihl, 0))));
+        const std::size_t total = be16(ip + 2);
+        const bool fragment = (be16(ip + 6) & 0x3fffu) != 0;  // more fragments, or an offset
+        l4Sound = !fragment && ihl == static_cast<std::size_t>(m_l4Offset - m_ipv4) && total >= ihl &&
+                  static_cast<std::size_t>(m_ipv4) + total <= m_length;
+        l4Length = total - ihl;
+    } else if (m_ipv6 >= 0) {
+        l4Length = be16(f + m_ipv6 + 4);
+        l4Sound = static_cast<std::size_t>(m_l4Offset) + l4Length <= m_length;
+    }
+    if (m_l4 == L4::None || !l4Sound) return;
+    std::uint8_t* seg = f + m_l4Offset;
+    std::size_t checksumAt = 2;
+    if (m_l4 == L4::Udp) {
+        const std::size_t udpLength = be16(seg + 4);
+        if (udpLength < 8 || udpLength > l4Length) return;
+        l4Length = udpLength;
+        checksumAt = 6;
+    } else if (m_l4 == L4::Tcp) {
+        if (l4Length < 20) return;
+        checksumAt = 16;
+    } else if (l4Length < 4) {
+        return;
+    }
+    seg[checksumAt] = 0;
+    seg[checksumAt + 1] = 0;
+    std::uint64_t acc = 0;
+    if (m_l4 != L4::Icmp4) {
+        // The pseudo-header: addresses, protocol and segment length.
+        const std::uint8_t pseudo[8] = {0, 0, static_cast<std::uint8_t>(l4Length >> 24),
+                                        static_cast<std::uint8_t>(l4Length >> 16), 0, m_protocol,
+                                        static_cast<std::uint8_t>(l4Length >> 8),
+                                        static_cast<std::uint8_t>(l4Length)};
+        acc = m_ipv4 >= 0 ? add_bytes(f + m_ipv4 + 12, 8, 0) : add_bytes(f + m_ipv6 + 8, 32, 0);
+        acc = add_bytes(pseudo, 8, acc);
+    }
+    std::uint16_t sum = static_cast<std::uint16_t>(~fold(add_bytes(seg, l4Length, acc)));
+    // A UDP checksum of 0 means "none"; a computed 0 is sent as all ones.
+    if (m_l4 == L4::Udp && sum == 0) sum = 0xffff;
+    store(seg + checksumAt, sum);
+}
+
+void FrameChecksums::Apply(std::uint8_t* first, std::size_t count, std::size_t stride) const {
+    if (!Any()) return;
+    for (std::size_t k = 0; k < count; ++k) Apply(first + k * stride);
+}
+
+}  // namespace streamgen

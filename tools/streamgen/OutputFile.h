@@ -1,0 +1,44 @@
+// An output that appears only when it is complete: the bytes go to a temporary file beside
+// the target, which is renamed onto the target by Commit(). Until then an existing target is
+// untouched; on failure, destruction without Commit(), SIGINT, SIGTERM or SIGHUP the
+// temporary file is removed. "-" is standard output; targets that are not regular files
+// (a terminal, a pipe, /dev/stdout, /dev/null) are written directly.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace streamgen {
+
+class OutputFile {
+  public:
+    // Opens the temporary file (or the target itself when it is not a regular file).
+    // Throws std::runtime_error "<path>: <reason>".
+    explicit OutputFile(const std::string& path);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    // Writes all of `data`; throws std::runtime_error "<path>: <reason>" on failure.
+    void Write(const void* data, std::size_t size);
+    // Closes the file and renames it onto the target; throws like Write.
+    void Commit();
+
+    const std::string& Path() const { return m_path; }
+    // The name to show for the output ("standard output" for "-").
+    std::string Name() const;
+
+  private:
+    [[noreturn]] void Fail(int error);
+    void Discard();
+
+    std::string m_path;
+    std::string m_temp;  // empty when writing the target directly
+    int m_fd = -1;
+    bool m_ownsFd = false;
+};
+
+// True when `a` and `b` name the same existing file ("-" names none).
+bool same_file(const std::string& a, const std::string& b);
+
+}  // namespace streamgen
