@@ -42,9 +42,21 @@ case_help() {
     for cmd in validate values frames request decode describe; do
         run 0 "$cmd" --help && has out.txt "Example"
     done
-    run 2
-    run 2 nosuchcommand
-    run 2 values
+    run 0 --version && has out.txt "streamgen "
+    # Command-line mistakes: arguments | exit | start of the one-line message.
+    local rows=(
+        '|2|streamgen: A subcommand is required'
+        'nosuchcommand|2|streamgen: unknown command nosuchcommand'
+        'values|2|streamgen: BLOCK is required'
+        "values $EX/ipv4-udp.json --start -1|2|streamgen: --start: expected 0 or more, got -1"
+        "frames $EX/ipv4-udp.json -o x.pcap --checksums maybe|2|streamgen: --checksums"
+    ) row args
+    for row in "${rows[@]}"; do
+        IFS='|' read -r args want msg <<<"$row"
+        # shellcheck disable=SC2086
+        run "$want" $args && has err.txt "$msg"
+        [ "$(wc -l <err.txt)" -eq 1 ] || fail "streamgen $args: message is not one line: $(cat err.txt)"
+    done
 }
 
 case_validate() {
@@ -100,7 +112,14 @@ case_values_start() {
         cmp -s tail.txt step.txt || fail "$ex: --start 70 (stepping) differs from lines 70..119"
         cmp -s tail.txt at.txt || fail "$ex: --start 70 --at differs from lines 70..119"
     done
-    run 2 values "$EX/ipv4-udp.json" --start 4294967295 --count 2
+    # Ranges in 64-bit arithmetic: nothing wraps round, and a start near the end is found by
+    # index at once.
+    run 2 values "$EX/ipv4-udp.json" --start 4294967295 --count 2 && has err.txt "--start/--count: frame indexes"
+    run 2 values "$EX/ipv4-udp.json" --start 18446744073709551615 --count 1
+    run 2 values "$EX/ipv4-udp.json" --start 1 --count 18446744073709551615
+    run 0 values "$EX/ipv4-udp.json" --start 4294967290 --count 6 && mv out.txt step.txt
+    run 0 values "$EX/ipv4-udp.json" --start 4294967290 --count 6 --at
+    cmp -s step.txt out.txt && [ "$(wc -l <step.txt)" -eq 6 ] || fail "values near the last index"
 }
 
 case_frames_threads() {
@@ -123,10 +142,10 @@ case_frames_threads() {
 
 case_frames_file() {
     run 0 frames "$EX/ipv4-udp.json" -o f.pcap --count 100 || return
-    # The summary line: frames, bytes, seconds, frames per second.
-    [ "$(wc -l <out.txt)" -eq 1 ] || fail "frames printed more than one line"
-    has out.txt "100 frames, 7624 bytes in "
-    has out.txt "frames/s"
+    # The summary line goes to standard error, standard output stays empty.
+    [ -s out.txt ] && fail "frames wrote to standard output"
+    has err.txt "100 frames, 7624 bytes in "
+    has err.txt "frames/s), checksums IPv4 header, UDP -> f.pcap"
     [ "$(stat -c %s f.pcap)" -eq $((24 + 100 * (16 + 60))) ] || fail "f.pcap has $(stat -c %s f.pcap) bytes"
     # Little-endian microsecond pcap, Ethernet link type.
     [ "$(od -An -tx1 -N4 f.pcap | tr -d ' ')" = "d4c3b2a1" ] || fail "bad pcap magic"
@@ -137,7 +156,62 @@ case_frames_file() {
     src=$(od -An -tx1 -j$((24 + 16 + 26)) -N4 f.pcap | tr -d ' \n')
     [ "$src" = "$(cut -d' ' -f2 out.txt)" ] || fail "frame 0 source $src, values says $(cut -d' ' -f2 out.txt)"
     # An output that cannot be written.
-    run 1 frames "$EX/ipv4-udp.json" -o /nonexistent-dir/x.pcap --count 10
+    run 1 frames "$EX/ipv4-udp.json" -o /nonexistent-dir/x.pcap --count 10 && has err.txt "No such file or directory"
+}
+
+# Nothing lost: outputs appear whole or not at all, inputs are never overwritten.
+case_outputs() {
+    local ex=$EX/ipv4-udp.json
+    cp "$ex" block.json
+    printf 'old\n' >old.out
+    "$SG" frames "$ex" -o ref.pcap --count 50 2>/dev/null
+    # Refused runs: arguments | exit | message; block.json and old.out stay as they were.
+    local rows=(
+        "frames block.json -o block.json|2|block.json: --output: block.json is the block file itself"
+        "frames block.json -o ./block.json|2|is the block file itself"
+        "request block.json -o block.json|2|is the block file itself"
+        "frames $EX/invalid.json -o old.out|1|the block is invalid"
+        "frames wrongfield.json -o old.out|2|host.modifiers[0].field"
+        "request $EX/invalid.json -o old.out|1|the block is invalid"
+        "frames block.json -o /dev/full --count 10|1|/dev/full: No space left on device"
+        "request block.json -o /dev/full|1|/dev/full: No space left on device"
+    ) row args want msg
+    sed 's/"field": "ipv4.src"/"field": "ipv6.dst"/' "$ex" >wrongfield.json
+    for row in "${rows[@]}"; do
+        IFS='|' read -r args want msg <<<"$row"
+        # shellcheck disable=SC2086
+        run "$want" $args && has err.txt "$msg"
+        cmp -s "$ex" block.json || fail "streamgen $args changed its input"
+        [ "$(cat old.out)" = old ] || fail "streamgen $args changed an existing output"
+    done
+    # Write errors on standard output are failures.
+    for args in "values $ex" "request $ex" "describe" "frames $ex -o -"; do
+        # shellcheck disable=SC2086
+        "$SG" $args >/dev/full 2>err.txt && fail "streamgen $args >/dev/full exited 0"
+    done
+    # Standard input and output: the same capture as through files, nothing else on stdout.
+    "$SG" frames - -o - --count 50 <"$ex" >stdout.pcap 2>err.txt || fail "frames - -o - failed"
+    cmp -s ref.pcap stdout.pcap || fail "frames to standard output differ from the file"
+    "$SG" frames "$ex" -o /dev/stdout --count 50 >devstdout.pcap 2>/dev/null
+    cmp -s ref.pcap devstdout.pcap || fail "frames -o /dev/stdout differ from the file"
+    run 0 validate - <"$ex" && has out.txt "valid:"
+    run 0 request block.json -o - && "$SG" decode - <out.txt >dec.txt 2>&1 || fail "request -o - | decode -"
+    # An interrupted run leaves no file and an existing one untouched. Job control keeps
+    # SIGINT deliverable to a background job; a run the signal does not end is killed.
+    local sig pid i
+    set -m
+    for sig in INT TERM; do
+        "$SG" frames "$ex" -o old.out --count 100000000 2>/dev/null &
+        pid=$!
+        sleep 0.3
+        kill -s "$sig" "$pid"
+        for i in 1 2 3 4 5 6 7 8 9 10; do kill -0 "$pid" 2>/dev/null && sleep 0.2; done
+        kill -0 "$pid" 2>/dev/null && { kill -KILL "$pid"; fail "frames ignored SIG$sig"; }
+        wait "$pid" && fail "frames exited 0 after SIG$sig"
+        [ "$(cat old.out)" = old ] || fail "SIG$sig: the existing output changed"
+    done
+    set +m
+    [ -z "$(find . -name '.*' -type f)" ] || fail "temporary files left: $(find . -name '.*' -type f)"
 }
 
 case_request_decode() {
@@ -147,7 +221,7 @@ case_request_decode() {
         has req.json '"name": "Generator_3.SetStreamBlock"'
         has req.json '"kind": "request"'
         run 0 request "$EX/$ex.json" --json && { cmp -s out.txt req.json || fail "$ex: --json differs from default"; }
-        run 0 request "$EX/$ex.json" -o req.bin && has out.txt "Generator_3.SetStreamBlock"
+        run 0 request "$EX/$ex.json" -o req.bin && has err.txt "Generator_3.SetStreamBlock"
         run 0 decode req.bin && cp out.txt dec.json
         has dec.json '"name": "Generator_3.SetStreamBlock"'
         has dec.json "blocks"
@@ -203,6 +277,25 @@ BAD_INPUT=(
     '{"rangeModifiers": [{"modIndex": 1, "initialValue": "01", "stepValue": "01", "mask": "ff"}], "host": {"modifiers": [{"modIndex": 1, "field": "ipv4.src"}]}}|host.modifiers[0].field: field ipv4.src does not resolve'
     '[1, 2]|(top level): expected an object'
     '{"name": |(document): invalid JSON at line 2, column 1'
+    '{"name": "a", "blockID": 1, "name": "b"}|name: duplicate key'
+    '{"rangeModifiers": [{"modIndex": 1, "mask": "ff", "modIndex": 2}]}|rangeModifiers[0].modIndex: duplicate key'
+    '{"blockID": 18446744073709551616}|blockID: out of range for uint32'
+    '{"blockID": 1.5}|blockID: expected an integer, got a fraction'
+)
+
+# Blocks that only placing the fields or stamping refuses; validate refuses them as frames
+# does: the document's body, then the start of the message.
+FRAME_ONLY=(
+    '"rangeModifiers": [{"modIndex": 1, "offset": 100, RANGE}]|rangeModifiers[0].offset: the library refuses the field'
+    '"rangeModifiers": [{"modIndex": 1, "offset": 1, RANGE}], "host": {"modifiers": [{"modIndex": 1, "bitOffset": 0, "bitLength": 16}]}|host.modifiers[0]: the library refuses the field'
+    '"rangeModifiers": [{"modIndex": 1, RANGE}], "baseStream": {"frame": {"data": ""}}|baseStream.frame.data: the frame template is empty'
+    '"rangeModifiers": [{"modIndex": 1, RANGE}], "baseStream": {"frame": {"data": "LONG"}}|baseStream.frame.data: the frame template has 262145 bytes; pcap readers accept at most 262144'
+)
+# Valid blocks with a warning of validate (standard error): the body, then the warning.
+WARNINGS=(
+    '"rangeModifiers": [{"modIndex": 1, "offsetReference": "eth.src", RANGE}, {"modIndex": 2, "offsetReference": "eth.src", RANGE}]|rangeModifiers[0]: writes the same bits as rangeModifiers[1] (frame bytes 6..7)'
+    '"rangeModifiers": [{"modIndex": 1, "offsetReference": "somewhere", RANGE}]|rangeModifiers[0]: no field given'
+    '"rangeModifiers": [{"modIndex": 1, "offsetReference": "eth.src", "initialValue": "0f", "stepValue": "01", "mask": "f0", "recycleCount": 16, "useStream": true}]|rangeModifiers[0]: stepping carries into bits outside the mask'
 )
 
 case_bad_input() {
@@ -224,7 +317,32 @@ case_bad_input() {
     run 2 validate wrongfield.json && has err.txt "host.modifiers[0].field: field ipv6.dst does not resolve"
     sed 's/"field": "ipv4.src"/"field": "ipv4.source"/' "$EX/ipv4-udp.json" >unknownfield.json
     run 2 validate unknownfield.json && has err.txt "host.modifiers[0].field: field ipv4.source does not resolve: unknown field name"
-    run 2 validate no-such-file.json
+    run 2 validate no-such-file.json && has err.txt "no-such-file.json: No such file or directory"
+    run 2 validate /dev/zero && has err.txt "/dev/zero: (document): larger than the limit of 64 MiB"
+    # Placement and stamping problems: validate and frames agree.
+    local range='"initialValue": "0102", "stepValue": "0001", "mask": "ffff", "useStream": true'
+    local frame='"baseStream": {"frame": {"data": "000000000000000000000000080045000000"}}'
+    local long body
+    long=$(head -c 262145 /dev/zero | od -An -v -tx1 | tr -d ' \n')
+    for row in "${FRAME_ONLY[@]}"; do
+        body=${row%%|*}
+        want=${row#*|}
+        body=${body//RANGE/$range}
+        body=${body//LONG/$long}
+        case $body in *baseStream*) printf '{%s}\n' "$body" ;; *) printf '{%s, %s}\n' "$frame" "$body" ;; esac >place.json
+        for cmd in validate "frames -o place.pcap"; do
+            # shellcheck disable=SC2086
+            run 2 $cmd place.json && has err.txt "place.json: $want"
+            [ "$(wc -l <err.txt)" -eq 1 ] || fail "$cmd: message is not one line: $(cat err.txt)"
+        done
+    done
+    for row in "${WARNINGS[@]}"; do
+        body=${row%%|*}
+        want=${row#*|}
+        printf '{%s, %s}\n' "$frame" "${body//RANGE/$range}" >warn.json
+        run 0 validate warn.json && has err.txt "warn.json: warning: $want"
+    done
+    run 0 validate "$EX/ipv4-udp.json" && [ ! -s err.txt ] || fail "warnings for ipv4-udp: $(cat err.txt)"
 }
 
 case_tshark() {
@@ -240,6 +358,26 @@ case_tshark() {
         fail "tshark failed: $(head -c 300 tshark.err)"
     [ "$(wc -l <got.tsv)" -eq 200 ] || fail "tshark read $(wc -l <got.tsv) frames"
     cmp -s want.tsv got.tsv || fail "tshark's addresses and ports differ from values: $(diff want.tsv got.tsv | head -5)"
+}
+
+# Every frame of every shipped example carries valid checksums; --checksums keep leaves the
+# modifiers' bytes (stale IPv4 header checksums in ipv4-udp).
+case_checksums() {
+    command -v tshark >/dev/null 2>&1 || { echo "tshark not installed: skipped"; exit 77; }
+    local ex bad
+    # Status 1 is "good" (0 bad, 2 unverified, 4 illegal such as a zero UDP checksum over IPv6).
+    bad='ip.checksum.status!=1 || udp.checksum.status!=1 || tcp.checksum.status!=1 || icmp.checksum.status!=1 || icmpv6.checksum.status!=1'
+    for ex in "${GOOD_EXAMPLES[@]}"; do
+        run 0 frames "$EX/$ex.json" -o "$ex.pcap" --count 3000 --threads 2 || continue
+        tshark -n -r "$ex.pcap" -o ip.check_checksum:TRUE -o udp.check_checksum:TRUE -o tcp.check_checksum:TRUE \
+            -Y "$bad" >bad.txt 2>tshark.err || fail "tshark failed: $(head -c 300 tshark.err)"
+        [ -s bad.txt ] && fail "$ex: frames with bad checksums: $(head -3 bad.txt)"
+        [ "$(tshark -n -r "$ex.pcap" -Y 'udp.checksum.status' -o udp.check_checksum:TRUE 2>/dev/null | wc -l)" -eq 3000 ] ||
+            fail "$ex: tshark checked fewer than 3000 UDP checksums"
+    done
+    run 0 frames "$EX/ipv4-udp.json" -o keep.pcap --checksums keep && has err.txt "checksums kept"
+    [ "$(tshark -n -r keep.pcap -o ip.check_checksum:TRUE -Y 'ip.checksum.status==0' 2>/dev/null | wc -l)" -eq 240 ] ||
+        fail "--checksums keep: not the 240 stale IPv4 header checksums of the modifiers' bytes"
 }
 
 "case_$CASE"

@@ -53,6 +53,19 @@ std::string base_of(const std::string& path) {
     return slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
+bool starts_with(const std::string& s, const char* prefix) { return s.compare(0, std::strlen(prefix), prefix) == 0; }
+
+// Names of the system's special files (/dev/stdout, /proc/self/fd/1, links to them): written
+// in place, never replaced, even when they lead to a regular file.
+bool special_name(const std::string& path) {
+    if (starts_with(path, "/dev/") || starts_with(path, "/proc/")) return true;
+    char target[kMaxPath + 1];
+    const ssize_t n = ::readlink(path.c_str(), target, kMaxPath);
+    if (n <= 0) return false;
+    target[n] = '\0';
+    return starts_with(target, "/dev/") || starts_with(target, "/proc/");
+}
+
 }  // namespace
 
 OutputFile::OutputFile(const std::string& path) : m_path(path) {
@@ -61,8 +74,9 @@ OutputFile::OutputFile(const std::string& path) : m_path(path) {
         return;
     }
     struct stat st {};
-    if (::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode)) {
-        if (S_ISDIR(st.st_mode)) throw std::runtime_error(path + ": " + std::strerror(EISDIR));
+    const bool exists = ::stat(path.c_str(), &st) == 0;
+    if (exists && S_ISDIR(st.st_mode)) throw std::runtime_error(path + ": " + std::strerror(EISDIR));
+    if ((exists && !S_ISREG(st.st_mode)) || special_name(path)) {
         m_fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
         if (m_fd < 0) Fail(errno);
         m_ownsFd = true;
