@@ -1,5 +1,6 @@
 #include "tools/streamgen/Checksums.h"
 
+#include <cstdint>
 #include <cstring>
 
 #include "tools/streamgen/FrameFields.h"
@@ -57,7 +58,9 @@ inline unsigned be16(const std::uint8_t* p) { return static_cast<unsigned>(p[0])
 
 }  // namespace
 
-FrameChecksums::FrameChecksums(const std::vector<std::uint8_t>& frameTemplate) : m_length(frameTemplate.size()) {
+FrameChecksums::FrameChecksums(const std::vector<std::uint8_t>& frameTemplate)
+    : m_length(frameTemplate.size()) {
+    m_template = frameTemplate;
     const FrameLayout l = frame_layout(frameTemplate);
     m_ipv4 = l.ipv4;
     m_ipv6 = l.ipv6;
@@ -84,7 +87,121 @@ std::string FrameChecksums::Names() const {
     return s.empty() ? "none" : s;
 }
 
+void FrameChecksums::SetChangingBits(const std::vector<std::uint8_t>& changing) {
+    m_quick = false;
+    m_ipv4Words.clear();
+    m_l4Words.clear();
+    if (changing.size() != m_length || !Any()) return;
+    auto changes = [&](long at, std::size_t n) {
+        for (std::size_t i = 0; i < n; ++i) {
+            if (changing[static_cast<std::size_t>(at) + i] != 0) return true;
+        }
+        return false;
+    };
+    // The fields that decide where and what is summed must stay as in the template.
+    if (m_ipv4 >= 0 && (changes(m_ipv4, 4) || changes(m_ipv4 + 6, 4))) return;
+    if (m_ipv6 >= 0 && changes(m_ipv6 + 4, 3)) return;
+    if (m_l4 == L4::Udp && changes(m_l4Offset + 4, 2)) return;
+
+    // What the full computation does to the template, to learn the lengths it uses.
+    std::vector<std::uint8_t> probe = m_template;
+    Full(probe.data());
+    // Sorts the words of [at, at + n) (at even) into the fixed sum and the changing list; the
+    // checksum word itself counts as 0. False when a changing word is an odd last byte.
+    auto split = [&](std::size_t at, std::size_t n, std::size_t skip, std::uint64_t& fixed,
+                     std::vector<std::uint32_t>& words) {
+        for (std::size_t o = at; o < at + n; o += 2) {
+            if (o == skip) continue;
+            const std::size_t width = o + 1 < at + n ? 2 : 1;
+            if (changes(static_cast<long>(o), width)) {
+                if (width == 1) return false;
+                words.push_back(static_cast<std::uint32_t>(o));
+            } else {
+                fixed = add_bytes(m_template.data() + o, width, fixed);
+            }
+        }
+        return true;
+    };
+    m_quickIpv4 = false;
+    m_quickL4 = false;
+    if (m_ipv4Header) {
+        const std::size_t ihl = (m_template[static_cast<std::size_t>(m_ipv4)] & 0x0fu) * 4u;
+        m_ipv4Checksum = static_cast<std::size_t>(m_ipv4) + 10;
+        m_ipv4Fixed = 0;
+        if (ihl >= 20 && static_cast<std::size_t>(m_ipv4) + ihl <= m_length &&
+            !split(static_cast<std::size_t>(m_ipv4), ihl, m_ipv4Checksum, m_ipv4Fixed, m_ipv4Words))
+            return;
+        m_quickIpv4 = ihl >= 20 && static_cast<std::size_t>(m_ipv4) + ihl <= m_length;
+    }
+    // The transport checksum applies when the full computation wrote it: then it covers the
+    // segment length the headers give, which no frame changes.
+    if (m_l4 != L4::None) {
+        std::size_t l4Length = 0;
+        bool sound = false;
+        if (m_ipv4 >= 0) {
+            const std::uint8_t* ip = m_template.data() + m_ipv4;
+            const std::size_t ihl = (ip[0] & 0x0fu) * 4u, total = be16(ip + 2);
+            sound = (be16(ip + 6) & 0x3fffu) == 0 && ihl == static_cast<std::size_t>(m_l4Offset - m_ipv4) &&
+                    total >= ihl && static_cast<std::size_t>(m_ipv4) + total <= m_length;
+            l4Length = total - ihl;
+        } else {
+            l4Length = be16(m_template.data() + m_ipv6 + 4);
+            sound = static_cast<std::size_t>(m_l4Offset) + l4Length <= m_length;
+        }
+        const std::uint8_t* seg = m_template.data() + m_l4Offset;
+        if (m_l4 == L4::Udp && sound) {
+            const std::size_t udpLength = be16(seg + 4);
+            sound = udpLength >= 8 && udpLength <= l4Length;
+            l4Length = udpLength;
+        }
+        if (m_l4 == L4::Tcp) sound = sound && l4Length >= 20;
+        if (m_l4 == L4::Icmp4 || m_l4 == L4::Icmp6) sound = sound && l4Length >= 4;
+        if (sound) {
+            const std::size_t at = static_cast<std::size_t>(m_l4Offset);
+            m_l4Checksum = at + (m_l4 == L4::Udp ? 6 : m_l4 == L4::Tcp ? 16 : 2);
+            m_l4Fixed = 0;
+            if (m_l4 != L4::Icmp4) {
+                const std::uint8_t pseudo[8] = {0, 0, static_cast<std::uint8_t>(l4Length >> 24),
+                                                static_cast<std::uint8_t>(l4Length >> 16), 0, m_protocol,
+                                                static_cast<std::uint8_t>(l4Length >> 8),
+                                                static_cast<std::uint8_t>(l4Length)};
+                m_l4Fixed = add_bytes(pseudo, 8, 0);
+                const bool ok = m_ipv4 >= 0
+                                    ? split(static_cast<std::size_t>(m_ipv4) + 12, 8, SIZE_MAX, m_l4Fixed, m_l4Words)
+                                    : split(static_cast<std::size_t>(m_ipv6) + 8, 32, SIZE_MAX, m_l4Fixed, m_l4Words);
+                if (!ok) return;
+            }
+            if (!split(at, l4Length, m_l4Checksum, m_l4Fixed, m_l4Words)) return;
+            m_quickL4 = true;
+        }
+    }
+    m_quick = true;
+}
+
+void FrameChecksums::Quick(std::uint8_t* f) const {
+    if (m_quickIpv4) {
+        std::uint64_t acc = m_ipv4Fixed;
+        for (const std::uint32_t o : m_ipv4Words) acc = add_bytes(f + o, 2, acc);
+        store(f + m_ipv4Checksum, static_cast<std::uint16_t>(~fold(acc)));
+    }
+    if (m_quickL4) {
+        std::uint64_t acc = m_l4Fixed;
+        for (const std::uint32_t o : m_l4Words) acc = add_bytes(f + o, 2, acc);
+        std::uint16_t sum = static_cast<std::uint16_t>(~fold(acc));
+        if (m_l4 == L4::Udp && sum == 0) sum = 0xffff;
+        store(f + m_l4Checksum, sum);
+    }
+}
+
 void FrameChecksums::Apply(std::uint8_t* f) const {
+    if (m_quick) {
+        Quick(f);
+    } else {
+        Full(f);
+    }
+}
+
+void FrameChecksums::Full(std::uint8_t* f) const {
     std::size_t l4Length = 0;  // bytes of the transport segment, from the IP header
     bool l4Sound = false;
     if (m_ipv4Header) {
@@ -137,7 +254,11 @@ void FrameChecksums::Apply(std::uint8_t* f) const {
 
 void FrameChecksums::Apply(std::uint8_t* first, std::size_t count, std::size_t stride) const {
     if (!Any()) return;
-    for (std::size_t k = 0; k < count; ++k) Apply(first + k * stride);
+    if (m_quick) {
+        for (std::size_t k = 0; k < count; ++k) Quick(first + k * stride);
+    } else {
+        for (std::size_t k = 0; k < count; ++k) Full(first + k * stride);
+    }
 }
 
 }  // namespace streamgen

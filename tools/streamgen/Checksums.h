@@ -16,6 +16,12 @@ class FrameChecksums {
     // its template's headers at the same places.
     explicit FrameChecksums(const std::vector<std::uint8_t>& frameTemplate);
 
+    // Declares the bits that differ between frames (one mask byte per frame byte, as
+    // BlockModifiers::WrittenBits gives them). When no length, protocol or fragment field is
+    // among them, the checksums are then computed from the template's unchanging words and
+    // each frame's changing words only; the result is the same.
+    void SetChangingBits(const std::vector<std::uint8_t>& changing);
+
     // False when the template carries no header with a checksum.
     bool Any() const { return m_ipv4Header || m_l4 != L4::None; }
     // The checksums recomputed, in words ("IPv4 header, UDP"), or "none".
@@ -31,6 +37,21 @@ class FrameChecksums {
 
   private:
     enum class L4 { None, Udp, Tcp, Icmp4, Icmp6 };
+    void Full(std::uint8_t* frame) const;
+    void Quick(std::uint8_t* frame) const;
+
+    // The quick path: template sums of the unchanging words and the offsets of the changing
+    // words, for the IPv4 header and for the transport checksum (pseudo-header included).
+    bool m_quick = false;
+    bool m_quickIpv4 = false;
+    bool m_quickL4 = false;
+    std::uint64_t m_ipv4Fixed = 0;
+    std::uint64_t m_l4Fixed = 0;
+    std::vector<std::uint32_t> m_ipv4Words;
+    std::vector<std::uint32_t> m_l4Words;
+    std::size_t m_ipv4Checksum = 0;
+    std::size_t m_l4Checksum = 0;
+    std::vector<std::uint8_t> m_template;
     std::size_t m_length = 0;
     long m_ipv4 = -1;
     long m_ipv6 = -1;

@@ -156,11 +156,10 @@ vrm::common::FramePlan BlockModifiers::MakePlan(const BlockInput& in) {
     }
 }
 
-std::vector<std::string> BlockModifiers::Warnings(const BlockInput& in) {
+// The bits each modifier writes: those its value sets in a frame of zeros and clears in a
+// frame of ones (the packer's mask is the same for every value).
+std::vector<std::vector<uint8_t>> BlockModifiers::BitsOfEach(const BlockInput& in) {
     StreamBlockModifiers& mods = *m_impl->mods;
-    std::vector<std::string> out;
-    // The bits each modifier writes: those its value sets in a frame of zeros and clears in
-    // a frame of ones.
     std::vector<std::vector<uint8_t>> owned(mods.Size());
     for (std::size_t k = 0; k < mods.Size(); ++k) {
         std::vector<uint8_t> zeros(in.frame.size(), 0), ones(in.frame.size(), 0xff);
@@ -169,6 +168,21 @@ std::vector<std::string> BlockModifiers::Warnings(const BlockInput& in) {
         owned[k].resize(in.frame.size());
         for (std::size_t i = 0; i < in.frame.size(); ++i) owned[k][i] = static_cast<uint8_t>(zeros[i] | ~ones[i]);
     }
+    return owned;
+}
+
+std::vector<uint8_t> BlockModifiers::WrittenBits(const BlockInput& in) {
+    std::vector<uint8_t> all(in.frame.size(), 0);
+    for (const auto& bits : BitsOfEach(in)) {
+        for (std::size_t i = 0; i < all.size(); ++i) all[i] |= bits[i];
+    }
+    return all;
+}
+
+std::vector<std::string> BlockModifiers::Warnings(const BlockInput& in) {
+    StreamBlockModifiers& mods = *m_impl->mods;
+    std::vector<std::string> out;
+    const std::vector<std::vector<uint8_t>> owned = BitsOfEach(in);
     for (std::size_t a = 0; a < owned.size(); ++a) {
         for (std::size_t b = a + 1; b < owned.size(); ++b) {
             std::vector<uint8_t> both(in.frame.size());

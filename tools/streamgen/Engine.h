@@ -55,6 +55,9 @@ class BlockModifiers {
     // bits of the frame, and range values whose stepping carries through bits outside the
     // mask (the frames then differ from the values by index). "<JSON path>: <text>" lines.
     std::vector<std::string> Warnings(const BlockInput& in);
+    // The bits of the frame that any modifier writes (after PlaceFields), one mask byte per
+    // frame byte.
+    std::vector<uint8_t> WrittenBits(const BlockInput& in);
     // Writes every modifier's current value into `frame`.
     void Modify(std::vector<uint8_t>& frame);
 
@@ -62,6 +65,7 @@ class BlockModifiers {
     Generator_3_bll::streamBlock_s ToRpc(const Generator_3_bll::streamBlock_s& block);
 
   private:
+    std::vector<std::vector<uint8_t>> BitsOfEach(const BlockInput& in);
     struct Impl;
     std::unique_ptr<Impl> m_impl;
     bool m_valid = false;

@@ -55,10 +55,10 @@ std::string base_of(const std::string& path) {
 
 bool starts_with(const std::string& s, const char* prefix) { return s.compare(0, std::strlen(prefix), prefix) == 0; }
 
-// Names of the system's special files (/dev/stdout, /proc/self/fd/1, links to them): written
-// in place, never replaced, even when they lead to a regular file.
+// Names of the system's special files (/dev/stdout, /dev/fd/1, /proc/self/fd/1, links into
+// /dev or /proc): written in place, never replaced, even when they lead to a regular file.
 bool special_name(const std::string& path) {
-    if (starts_with(path, "/dev/") || starts_with(path, "/proc/")) return true;
+    if (starts_with(path, "/dev/fd/") || starts_with(path, "/proc/")) return true;
     char target[kMaxPath + 1];
     const ssize_t n = ::readlink(path.c_str(), target, kMaxPath);
     if (n <= 0) return false;

@@ -160,7 +160,8 @@ int cmd_frames(const std::string& file, const BlockInput& in, const std::string&
     std::vector<std::string> warnings;
     const vrm::common::FramePlan plan = checked_plan(in, *mods, &warnings);
     for (const auto& w : warnings) warn(file, w);
-    const FrameChecksums sums(in.frame);
+    FrameChecksums sums(in.frame);
+    sums.SetChangingBits(mods->WrittenBits(in));
 
     const bool terminal = isatty(STDERR_FILENO) == 1;
     const auto started = std::chrono::steady_clock::now();
