@@ -135,6 +135,20 @@ void OutputFile::Write(const void* data, std::size_t size) {
     }
 }
 
+void OutputFile::WriteAt(std::uint64_t offset, const void* data, std::size_t size) {
+    const auto* p = static_cast<const char*>(data);
+    while (size > 0) {
+        const ssize_t n = ::pwrite(m_fd, p, size, static_cast<off_t>(offset));
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            throw std::runtime_error(Name() + ": " + std::strerror(errno));
+        }
+        p += n;
+        offset += static_cast<std::uint64_t>(n);
+        size -= static_cast<std::size_t>(n);
+    }
+}
+
 void OutputFile::Commit() {
     if (m_fd < 0) throw std::runtime_error(Name() + ": already closed");
     if (m_ownsFd) {

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace streamgen {
@@ -21,6 +22,10 @@ class OutputFile {
 
     // Writes all of `data`; throws std::runtime_error "<path>: <reason>" on failure.
     void Write(const void* data, std::size_t size);
+    // True when the bytes go to a new regular file, which WriteAt may fill in any order.
+    bool Positional() const { return !m_temp.empty(); }
+    // Writes `data` at byte `offset` (Positional() outputs only); safe from several threads.
+    void WriteAt(std::uint64_t offset, const void* data, std::size_t size);
     // Closes the file and renames it onto the target; throws like Write.
     void Commit();
 

@@ -64,6 +64,14 @@ void run_worker(unsigned t, const Job& job, Shared& shared) {
                 put32(p + 12, static_cast<std::uint32_t>(job.frameLength));
             }
             if (job.checksums != nullptr) job.checksums->Apply(buffer.data() + kRecordHeader, n, record);
+            if (job.out->Positional()) {
+                // A new file: each block goes straight to its place.
+                job.out->WriteAt(kFileHeader + first * record, buffer.data(), n * record);
+                shared.done.fetch_add(n, std::memory_order_relaxed);
+                std::lock_guard<std::mutex> lock(shared.mutex);
+                if (shared.failed) return;
+                continue;
+            }
             std::unique_lock<std::mutex> lock(shared.mutex);
             shared.turnChanged.wait(lock, [&] { return shared.turn == b || shared.failed; });
             if (shared.failed) return;

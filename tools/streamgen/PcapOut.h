@@ -39,8 +39,9 @@ struct PcapOptions {
 // frames.
 //
 // The range is cut into blocks of about a megabyte; thread t stamps blocks t, t + threads,
-// ... each from its own first frame, and the blocks are written in order, so the capture is
-// byte-identical for any number of threads and is written front to back.
+// ... each from its own first frame. Into a new file each block is written at its place as
+// soon as it is ready; into a pipe or a device the blocks are written in order. The capture
+// is byte-identical for any number of threads.
 //
 // Throws std::invalid_argument for a frame length beyond kPcapMaxFrame, std::runtime_error
 // "<path>: <reason>" on an I/O failure, and what `stamp` throws.
