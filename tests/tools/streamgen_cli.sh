@@ -375,6 +375,28 @@ case_checksums() {
         [ "$(tshark -n -r "$ex.pcap" -Y 'udp.checksum.status' -o udp.check_checksum:TRUE 2>/dev/null | wc -l)" -eq 3000 ] ||
             fail "$ex: tshark checked fewer than 3000 UDP checksums"
     done
+    # Other transports, and a modifier on the IPv4 flags (the checksums then sum whole frames):
+    # frame template | host field of the counting modifier | what frames reports.
+    local e=001094000002001094000001 a4=c0000201c6336401 a6=20010db800000000000000000000000120010db8000000000000000000000002
+    local rows=(
+        "${e}0800450000280000400040060000${a4}0400005000000001000000005002200000000000|ipv4.src|IPv4 header, TCP"
+        "${e}08004500001c0000000040010000${a4}0800000000010001|ipv4.dst|IPv4 header, ICMPv4"
+        "${e}86dd6000000000083a40${a6}8000000000010001|ipv6.src|ICMPv6"
+        "${e}86dd6000000000140640${a6}0400005000000001000000005002200000000000|ipv6.dst|TCP"
+        "${e}0800450000280000400040060000${a4}0400005000000001000000005002200000000000|\"bitOffset\": 161, \"bitLength\": 1|IPv4 header, TCP"
+    ) row frame field what
+    for row in "${rows[@]}"; do
+        IFS='|' read -r frame field what <<<"$row"
+        case $field in *bitOffset*) ;; *) field="\"field\": \"$field\"" ;; esac
+        printf '{"baseStream": {"frame": {"data": "%s"}}, "rangeModifiers": [{"modIndex": 1, "initialValue": "01", "stepValue": "01", "mask": "ff", "recycleCount": 200, "useStream": true}], "host": {"modifiers": [{"modIndex": 1, %s}]}}\n' \
+            "$frame" "$field" >proto.json
+        run 0 frames proto.json -o proto.pcap --count 300 || continue
+        has err.txt "checksums $what ->"
+        tshark -n -r proto.pcap -o ip.check_checksum:TRUE -o udp.check_checksum:TRUE -o tcp.check_checksum:TRUE \
+            -Y "$bad" >bad.txt 2>/dev/null
+        [ -s bad.txt ] && fail "$what ($field): frames with bad checksums: $(head -3 bad.txt)"
+        [ "$(tshark -n -r proto.pcap -Y "$bad || frame" 2>/dev/null | wc -l)" -eq 300 ] || fail "$what: tshark read $(tshark -n -r proto.pcap 2>/dev/null | wc -l) frames"
+    done
     run 0 frames "$EX/ipv4-udp.json" -o keep.pcap --checksums keep && has err.txt "checksums kept"
     [ "$(tshark -n -r keep.pcap -o ip.check_checksum:TRUE -Y 'ip.checksum.status==0' 2>/dev/null | wc -l)" -eq 240 ] ||
         fail "--checksums keep: not the 240 stale IPv4 header checksums of the modifiers' bytes"

@@ -103,9 +103,6 @@ void FrameChecksums::SetChangingBits(const std::vector<std::uint8_t>& changing) 
     if (m_ipv6 >= 0 && changes(m_ipv6 + 4, 3)) return;
     if (m_l4 == L4::Udp && changes(m_l4Offset + 4, 2)) return;
 
-    // What the full computation does to the template, to learn the lengths it uses.
-    std::vector<std::uint8_t> probe = m_template;
-    Full(probe.data());
     // Sorts the words of [at, at + n) (at even) into the fixed sum and the changing list; the
     // checksum word itself counts as 0. False when a changing word is an odd last byte.
     auto split = [&](std::size_t at, std::size_t n, std::size_t skip, std::uint64_t& fixed,
@@ -133,47 +130,21 @@ void FrameChecksums::SetChangingBits(const std::vector<std::uint8_t>& changing) 
             return;
         m_quickIpv4 = ihl >= 20 && static_cast<std::size_t>(m_ipv4) + ihl <= m_length;
     }
-    // The transport checksum applies when the full computation wrote it: then it covers the
-    // segment length the headers give, which no frame changes.
-    if (m_l4 != L4::None) {
-        std::size_t l4Length = 0;
-        bool sound = false;
-        if (m_ipv4 >= 0) {
-            const std::uint8_t* ip = m_template.data() + m_ipv4;
-            const std::size_t ihl = (ip[0] & 0x0fu) * 4u, total = be16(ip + 2);
-            sound = (be16(ip + 6) & 0x3fffu) == 0 && ihl == static_cast<std::size_t>(m_l4Offset - m_ipv4) &&
-                    total >= ihl && static_cast<std::size_t>(m_ipv4) + total <= m_length;
-            l4Length = total - ihl;
-        } else {
-            l4Length = be16(m_template.data() + m_ipv6 + 4);
-            sound = static_cast<std::size_t>(m_l4Offset) + l4Length <= m_length;
+    // The transport checksum applies when the template's lengths make it apply; no frame
+    // changes them.
+    std::size_t l4Length = 0;
+    if (Segment(m_template.data(), l4Length)) {
+        const std::size_t at = static_cast<std::size_t>(m_l4Offset);
+        m_l4Checksum = at + ChecksumOffset();
+        m_l4Fixed = PseudoHeader(l4Length);
+        if (m_l4 != L4::Icmp4) {
+            const bool ok = m_ipv4 >= 0
+                                ? split(static_cast<std::size_t>(m_ipv4) + 12, 8, SIZE_MAX, m_l4Fixed, m_l4Words)
+                                : split(static_cast<std::size_t>(m_ipv6) + 8, 32, SIZE_MAX, m_l4Fixed, m_l4Words);
+            if (!ok) return;
         }
-        const std::uint8_t* seg = m_template.data() + m_l4Offset;
-        if (m_l4 == L4::Udp && sound) {
-            const std::size_t udpLength = be16(seg + 4);
-            sound = udpLength >= 8 && udpLength <= l4Length;
-            l4Length = udpLength;
-        }
-        if (m_l4 == L4::Tcp) sound = sound && l4Length >= 20;
-        if (m_l4 == L4::Icmp4 || m_l4 == L4::Icmp6) sound = sound && l4Length >= 4;
-        if (sound) {
-            const std::size_t at = static_cast<std::size_t>(m_l4Offset);
-            m_l4Checksum = at + (m_l4 == L4::Udp ? 6 : m_l4 == L4::Tcp ? 16 : 2);
-            m_l4Fixed = 0;
-            if (m_l4 != L4::Icmp4) {
-                const std::uint8_t pseudo[8] = {0, 0, static_cast<std::uint8_t>(l4Length >> 24),
-                                                static_cast<std::uint8_t>(l4Length >> 16), 0, m_protocol,
-                                                static_cast<std::uint8_t>(l4Length >> 8),
-                                                static_cast<std::uint8_t>(l4Length)};
-                m_l4Fixed = add_bytes(pseudo, 8, 0);
-                const bool ok = m_ipv4 >= 0
-                                    ? split(static_cast<std::size_t>(m_ipv4) + 12, 8, SIZE_MAX, m_l4Fixed, m_l4Words)
-                                    : split(static_cast<std::size_t>(m_ipv6) + 8, 32, SIZE_MAX, m_l4Fixed, m_l4Words);
-                if (!ok) return;
-            }
-            if (!split(at, l4Length, m_l4Checksum, m_l4Fixed, m_l4Words)) return;
-            m_quickL4 = true;
-        }
+        if (!split(at, l4Length, m_l4Checksum, m_l4Fixed, m_l4Words)) return;
+        m_quickL4 = true;
     }
     m_quick = true;
 }
@@ -201,9 +172,42 @@ void FrameChecksums::Apply(std::uint8_t* f) const {
     }
 }
 
+std::size_t FrameChecksums::ChecksumOffset() const {
+    return m_l4 == L4::Udp ? 6 : m_l4 == L4::Tcp ? 16 : 2;
+}
+
+bool FrameChecksums::Segment(const std::uint8_t* f, std::size_t& length) const {
+    if (m_l4 == L4::None) return false;
+    if (m_ipv4 >= 0) {
+        const std::uint8_t* ip = f + m_ipv4;
+        const std::size_t ihl = (ip[0] & 0x0fu) * 4u, total = be16(ip + 2);
+        const bool fragment = (be16(ip + 6) & 0x3fffu) != 0;  // more fragments, or an offset
+        if (fragment || ihl != static_cast<std::size_t>(m_l4Offset - m_ipv4) || total < ihl ||
+            static_cast<std::size_t>(m_ipv4) + total > m_length)
+            return false;
+        length = total - ihl;
+    } else {
+        length = be16(f + m_ipv6 + 4);
+        if (static_cast<std::size_t>(m_l4Offset) + length > m_length) return false;
+    }
+    if (m_l4 == L4::Udp) {
+        const std::size_t udpLength = be16(f + m_l4Offset + 4);
+        if (udpLength < 8 || udpLength > length) return false;
+        length = udpLength;
+    }
+    return length >= (m_l4 == L4::Tcp ? 20u : m_l4 == L4::Udp ? 8u : 4u);
+}
+
+std::uint64_t FrameChecksums::PseudoHeader(std::size_t length) const {
+    if (m_l4 == L4::Icmp4) return 0;
+    // Protocol and segment length; the addresses are summed from the frame.
+    const std::uint8_t words[8] = {0, 0, static_cast<std::uint8_t>(length >> 24), static_cast<std::uint8_t>(length >> 16),
+                                   0, m_protocol, static_cast<std::uint8_t>(length >> 8),
+                                   static_cast<std::uint8_t>(length)};
+    return add_bytes(words, 8, 0);
+}
+
 void FrameChecksums::Full(std::uint8_t* f) const {
-    std::size_t l4Length = 0;  // bytes of the transport segment, from the IP header
-    bool l4Sound = false;
     if (m_ipv4Header) {
         std::uint8_t* ip = f + m_ipv4;
         const std::size_t ihl = (ip[0] & 0x0fu) * 4u;
@@ -211,45 +215,19 @@ void FrameChecksums::Full(std::uint8_t* f) const {
         ip[10] = 0;
         ip[11] = 0;
         store(ip + 10, static_cast<std::uint16_t>(~fold(add_bytes(ip, ihl, 0))));
-        const std::size_t total = be16(ip + 2);
-        const bool fragment = (be16(ip + 6) & 0x3fffu) != 0;  // more fragments, or an offset
-        l4Sound = !fragment && ihl == static_cast<std::size_t>(m_l4Offset - m_ipv4) && total >= ihl &&
-                  static_cast<std::size_t>(m_ipv4) + total <= m_length;
-        l4Length = total - ihl;
-    } else if (m_ipv6 >= 0) {
-        l4Length = be16(f + m_ipv6 + 4);
-        l4Sound = static_cast<std::size_t>(m_l4Offset) + l4Length <= m_length;
     }
-    if (m_l4 == L4::None || !l4Sound) return;
+    std::size_t length = 0;
+    if (!Segment(f, length)) return;
     std::uint8_t* seg = f + m_l4Offset;
-    std::size_t checksumAt = 2;
-    if (m_l4 == L4::Udp) {
-        const std::size_t udpLength = be16(seg + 4);
-        if (udpLength < 8 || udpLength > l4Length) return;
-        l4Length = udpLength;
-        checksumAt = 6;
-    } else if (m_l4 == L4::Tcp) {
-        if (l4Length < 20) return;
-        checksumAt = 16;
-    } else if (l4Length < 4) {
-        return;
-    }
-    seg[checksumAt] = 0;
-    seg[checksumAt + 1] = 0;
-    std::uint64_t acc = 0;
-    if (m_l4 != L4::Icmp4) {
-        // The pseudo-header: addresses, protocol and segment length.
-        const std::uint8_t pseudo[8] = {0, 0, static_cast<std::uint8_t>(l4Length >> 24),
-                                        static_cast<std::uint8_t>(l4Length >> 16), 0, m_protocol,
-                                        static_cast<std::uint8_t>(l4Length >> 8),
-                                        static_cast<std::uint8_t>(l4Length)};
-        acc = m_ipv4 >= 0 ? add_bytes(f + m_ipv4 + 12, 8, 0) : add_bytes(f + m_ipv6 + 8, 32, 0);
-        acc = add_bytes(pseudo, 8, acc);
-    }
-    std::uint16_t sum = static_cast<std::uint16_t>(~fold(add_bytes(seg, l4Length, acc)));
+    const std::size_t at = ChecksumOffset();
+    seg[at] = 0;
+    seg[at + 1] = 0;
+    std::uint64_t acc = PseudoHeader(length);
+    if (m_l4 != L4::Icmp4) acc = m_ipv4 >= 0 ? add_bytes(f + m_ipv4 + 12, 8, acc) : add_bytes(f + m_ipv6 + 8, 32, acc);
+    std::uint16_t sum = static_cast<std::uint16_t>(~fold(add_bytes(seg, length, acc)));
     // A UDP checksum of 0 means "none"; a computed 0 is sent as all ones.
     if (m_l4 == L4::Udp && sum == 0) sum = 0xffff;
-    store(seg + checksumAt, sum);
+    store(seg + at, sum);
 }
 
 void FrameChecksums::Apply(std::uint8_t* first, std::size_t count, std::size_t stride) const {

@@ -38,6 +38,12 @@ class FrameChecksums {
   private:
     enum class L4 { None, Udp, Tcp, Icmp4, Icmp6 };
     void Full(std::uint8_t* frame) const;
+    // The transport segment's length in `frame` when its checksum applies (sound lengths,
+    // not a fragment).
+    bool Segment(const std::uint8_t* frame, std::size_t& length) const;
+    // The pseudo-header's protocol and length words (none for ICMPv4).
+    std::uint64_t PseudoHeader(std::size_t length) const;
+    std::size_t ChecksumOffset() const;
     void Quick(std::uint8_t* frame) const;
 
     // The quick path: template sums of the unchanging words and the offsets of the changing
