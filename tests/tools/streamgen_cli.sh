@@ -77,11 +77,17 @@ case_validate() {
     printf '{"rangeModifiers": [{"modIndex": 1, %s}], "modLinks": [{"modIndex": 1, "childModIndex": [5]}]}\n' "$m" >link.json
     run 1 validate link.json && has out.txt "Modifier link from modIndex 1 to modIndex 5 refers to an unknown modIndex."
     printf '{"tableModifiers": [{"modIndex": 1, "data": []}]}\n' >emptytable.json
-    run 1 validate emptytable.json && has err.txt "data array is empty"
-    # Commands that need a valid block refuse an invalid one with status 1.
-    run 1 values "$EX/invalid.json"
-    run 1 request "$EX/invalid.json"
-    run 1 frames "$EX/invalid.json" -o invalid.pcap
+    run 1 validate emptytable.json && has err.txt "emptytable.json: tableModifiers[0]: "
+    has err.txt "data array is empty"
+    # Commands that need a valid block refuse an invalid one with status 1, one message per
+    # line of the library.
+    local cmd
+    for cmd in values request "frames -o invalid.pcap"; do
+        # shellcheck disable=SC2086
+        run 1 $cmd "$EX/invalid.json" && has err.txt "invalid.json: the block is invalid: Modifier ipv4.dst data size is not consistent."
+        [ "$(grep -c '^streamgen: .*invalid.json: the block is invalid: ' err.txt)" -eq "$(wc -l <err.txt)" ] ||
+            fail "$cmd: not one message per line: $(cat err.txt)"
+    done
 }
 
 case_values_agree() {

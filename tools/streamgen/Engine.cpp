@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "common/Modifier.h"
+#include "common/ModifierFactory.h"
 #include "common/StreamBlockModifiers.h"
 #include "interfaces/generator_3_bll_records.h"
 #include "tools/streamgen/JsonRecord.h"
@@ -12,6 +13,7 @@
 namespace streamgen {
 
 using vrm::common::Modifier;
+using vrm::common::ModifierFactory;
 using vrm::common::StreamBlockModifiers;
 
 namespace {
@@ -31,7 +33,19 @@ BlockModifiers::BlockModifiers(const BlockInput& in) : m_impl(std::make_unique<I
     try {
         m_impl->mods = std::make_unique<StreamBlockModifiers>(in.block);
     } catch (const std::invalid_argument& e) {
-        throw BuildError(chomp(e.what()));
+        // Name the record the library refuses when one alone is refused.
+        auto check = [](const auto& records, const char* name) {
+            for (std::size_t i = 0; i < records.size(); ++i) {
+                try {
+                    ModifierFactory::CreateModifier(records[i]);
+                } catch (const std::invalid_argument& r) {
+                    throw BuildError(element_path(name, i) + ": " + chomp(r.what()));
+                }
+            }
+        };
+        check(in.block.rangeModifiers, "rangeModifiers");
+        check(in.block.tableModifiers, "tableModifiers");
+        throw BuildError("(modifiers): " + chomp(e.what()));
     }
     StreamBlockModifiers& mods = *m_impl->mods;
     // Total counts before validation, which recomputes the chain's repeat counts.

@@ -59,6 +59,11 @@ struct Exit {
     std::string message;
 };
 
+// An invalid block: the library's validation lines.
+struct Invalid {
+    std::string lines;
+};
+
 // Prints a warning line to standard error.
 void warn(const std::string& file, const std::string& text) {
     std::cerr << "streamgen: " << file << ": warning: " << text << '\n';
@@ -68,7 +73,7 @@ void warn(const std::string& file, const std::string& text) {
 // library's lines (on standard error: standard output is the command's own).
 std::unique_ptr<BlockModifiers> build_valid(const BlockInput& in) {
     auto mods = std::make_unique<BlockModifiers>(in);
-    if (!mods->Valid()) throw Exit{kInvalid, "the block is invalid:\n" + mods->ValidationText()};
+    if (!mods->Valid()) throw Invalid{mods->ValidationText()};
     return mods;
 }
 
@@ -390,6 +395,13 @@ int main(int argc, char** argv) {
         std::cerr << "streamgen: " << e.message
                   << (e.message.empty() || e.message.back() != '\n' ? "\n" : "");
         return e.status;
+    } catch (const Invalid& e) {
+        // One message per line of the library: "streamgen: FILE: the block is invalid: LINE".
+        std::istringstream lines(e.lines);
+        for (std::string line; std::getline(lines, line);) {
+            if (!line.empty()) std::cerr << "streamgen: " << shown << ": the block is invalid: " << line << '\n';
+        }
+        return kInvalid;
     } catch (const InputError& e) {
         std::cerr << "streamgen: " << shown << ": " << e.line() << '\n';
         return kBadInput;
