@@ -22,27 +22,30 @@ struct Parser {
     Tm_message_type kind;
 };
 
-template <class Catalogue>
-constexpr auto response_parsers(const Catalogue& c) {
-    return std::apply(
-        [](const auto&... e) { return std::make_tuple(Parser<std::remove_pointer_t<decltype(e.desc)>, decltype(e.parse)>{
-                                   e.desc, e.parse, TMT_RESPONSE}...); },
-        c);
+template <class D, class F>
+constexpr Parser<D, F> make_parser(const D* desc, F parse, Tm_message_type kind) {
+    return {desc, parse, kind};
 }
 
-// Notification entries hold the request parser where a method holds its builder.
-template <class Notifications>
-constexpr auto request_parsers(const Notifications& n) {
+// The parsers of a catalogue (Kind TMT_RESPONSE: entries of methods) or of a notifications
+// list (TMT_REQUEST: their entries hold the request parser where a method holds its builder).
+template <Tm_message_type Kind, class Entries>
+constexpr auto parsers(const Entries& entries) {
     return std::apply(
-        [](const auto&... e) { return std::make_tuple(Parser<std::remove_pointer_t<decltype(e.desc)>, decltype(e.create)>{
-                                   e.desc, e.create, TMT_REQUEST}...); },
-        n);
+        [](const auto&... e) {
+            if constexpr (Kind == TMT_RESPONSE) {
+                return std::make_tuple(make_parser(e.desc, e.parse, Kind)...);
+            } else {
+                return std::make_tuple(make_parser(e.desc, e.create, Kind)...);
+            }
+        },
+        entries);
 }
 
 inline constexpr auto kParsers = std::tuple_cat(
-    response_parsers(Generator_3_bll::catalogue), request_parsers(Generator_3_bll::notifications),
-    response_parsers(IFSETUP_1_bll::catalogue), response_parsers(Stats_1_bll::catalogue),
-    request_parsers(Stats_1_bll::notifications), response_parsers(LoadProfile_1_bll::catalogue));
+    parsers<TMT_RESPONSE>(Generator_3_bll::catalogue), parsers<TMT_REQUEST>(Generator_3_bll::notifications),
+    parsers<TMT_RESPONSE>(IFSETUP_1_bll::catalogue), parsers<TMT_RESPONSE>(Stats_1_bll::catalogue),
+    parsers<TMT_REQUEST>(Stats_1_bll::notifications), parsers<TMT_RESPONSE>(LoadProfile_1_bll::catalogue));
 
 inline constexpr std::size_t kParserCount = std::tuple_size_v<decltype(kParsers)>;
 
