@@ -3,7 +3,8 @@
 #   ./build.sh example   build, then run streamgen on a shipped example
 #   ./build.sh test      build and run the unit tests (default preset)
 #   ./build.sh asan      build and run the unit tests under ASan+UBSan
-#   ./build.sh fuzz [S]  build the decode fuzzer with clang and run it for S seconds (default 60)
+#   ./build.sh install   build, install to a temporary prefix and build and run consumers of it
+#   ./build.sh fuzz [S]  build every fuzz target with clang and run each for S seconds (default 45)
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -46,15 +47,20 @@ case "$job" in
         build asan
         ctest --preset asan
         ;;
+    install)
+        build default
+        tests/install/check.sh build/default
+        ;;
     fuzz)
-        build fuzz --target fuzz_decode
-        seconds=${2:-60}
-        mkdir -p build/fuzz/corpus
-        build/fuzz/fuzz/fuzz_decode -max_total_time="$seconds" -rss_limit_mb=2048 -malloc_limit_mb=512 \
-            build/fuzz/corpus fuzz/corpus
+        targets=(decode parsers engine blockfile)
+        build fuzz --target "${targets[@]/#/fuzz_}"
+        for t in "${targets[@]}"; do
+            echo "fuzzing $t for ${2:-45} s" >&2
+            fuzz/run.sh "$t" -max_total_time="${2:-45}"
+        done
         ;;
     *)
-        echo "usage: $0 example|test|asan|fuzz [seconds]" >&2
+        echo "usage: $0 example|test|asan|install|fuzz [seconds]" >&2
         exit 2
         ;;
 esac

@@ -340,9 +340,10 @@ void choice_from_struct(const Tm_struct* source, R& rec) {
     constexpr auto d = description<R>();
     std::apply(
         [&](const auto&... a) {
-            ((source->get_member_index(a.field.name) != -1 &&
-              (rec.*(d.selector) = a.value, read(source, a.field.name, rec.*(a.field.member), a.field.form), true)) ||
-             ...);
+            (void)((source->get_member_index(a.field.name) != -1 &&
+                    (rec.*(d.selector) = a.value, read(source, a.field.name, rec.*(a.field.member), a.field.form),
+                     true)) ||
+                   ...);
         },
         d.alternatives);
 }
@@ -356,7 +357,9 @@ bool equal(const R& a, const R& b) {
         bool same = true;
         std::apply(
             [&](const auto&... alt) {
-                ((a.*(d.selector) == alt.value && (same = (a.*(alt.field.member) == b.*(alt.field.member)), true)) || ...);
+                (void)((a.*(d.selector) == alt.value &&
+                        (same = (a.*(alt.field.member) == b.*(alt.field.member)), true)) ||
+                       ...);
             },
             d.alternatives);
         return same;

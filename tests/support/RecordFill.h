@@ -1,16 +1,18 @@
-// Test support: fills any described record with varied values by walking its description,
-// and round-trips records and method members through messages and the wire codec.
+// Test support: fills any described record, and the members of any described method, with
+// varied values by walking their descriptions.
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <random>
 #include <string>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "binding/Describe.h"
+#include "binding/Method.h"
 #include "binding/RecordCodec.h"
 
 namespace testing_support {
@@ -108,5 +110,50 @@ private:
     }
     std::mt19937_64 m_rng;
 };
+
+// --- descriptions ------------------------------------------------------------------------
+
+// The method whose members a description uses (a delegated method: its inner one).
+template <class Req, class Resp>
+constexpr const binding::Method<Req, Resp>& described_method(const binding::Method<Req, Resp>& m) {
+    return m;
+}
+template <class Inner>
+constexpr const auto& described_method(const binding::Delegated<Inner>& d) {
+    return described_method(*d.inner);
+}
+
+// The value types of a members tuple, as a tuple.
+template <class Members>
+struct MemberValues;
+template <class... A>
+struct MemberValues<std::tuple<A...>> {
+    using type = std::tuple<typename A::type...>;
+};
+template <class Members>
+using member_values_t = typename MemberValues<std::decay_t<Members>>::type;
+
+// Varied values for every member, generated from the member types and wire forms.
+template <class Members>
+member_values_t<Members> make_values(Filler& filler, const Members& ms) {
+    member_values_t<Members> values;
+    std::apply(
+        [&](auto&... v) {
+            std::apply(
+                [&](const auto&... m) {
+                    [[maybe_unused]] auto fill_one = [&](auto& value, const auto& member) {
+                        if constexpr (std::is_same_v<std::decay_t<decltype(member.form)>, binding::Copied>) {
+                            filler.fill(value, binding::Natural{});
+                        } else {
+                            filler.fill(value, member.form);
+                        }
+                    };
+                    (fill_one(v, m), ...);
+                },
+                ms);
+        },
+        values);
+    return values;
+}
 
 }  // namespace testing_support

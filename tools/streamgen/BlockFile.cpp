@@ -176,6 +176,12 @@ BlockInput parse_block(const std::string& text) {
         const std::size_t colon = what.find(": ");
         const std::string detail = colon == std::string::npos ? what : what.substr(colon + 2);
         throw InputError("(document)", "invalid JSON at " + line_and_column(text, e.byte) + ": " + detail);
+    } catch (const Json::exception& e) {
+        // For example "[json.exception.out_of_range.406] number overflow parsing '1e999'".
+        const std::string what = e.what();
+        const std::size_t bracket = what.find("] ");
+        const std::string detail = bracket == std::string::npos ? what : what.substr(bracket + 2);
+        throw InputError("(document)", "invalid JSON: " + detail);
     }
     BlockInput in;
     read_record(doc, "", in.block, {"host"});

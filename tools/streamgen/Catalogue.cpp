@@ -65,7 +65,7 @@ bool describe_method(const std::string& method, std::ostream& out) {
     bool found = false;
     std::apply(
         [&](const auto&... e) {
-            ((!found && method == name_of(*e.desc) && ([&] {
+            (void)((!found && method == name_of(*e.desc) && ([&] {
                   Message m;
                   build_default(e.create, m);
                   out << m.get_request_name() << " (request)\n";

@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Installs a build to a temporary prefix, moves the tree elsewhere (the package must not
+# depend on where it was installed) and checks it as its consumers see it:
+#   - a CMake consumer (find_package) built with clang++ and no flags;
+#   - a pkg-config consumer built with clang++ -std=c++20 (vrm.pc must not lower it);
+#   - streamgen runs from <prefix>/bin without LD_LIBRARY_PATH;
+#   - the libraries export no standard library template instances.
+#   tests/install/check.sh BUILD_DIR
+set -euo pipefail
+build=$(cd "${1:?usage: $0 BUILD_DIR}" && pwd)
+here=$(cd "$(dirname "$0")" && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+unset LD_LIBRARY_PATH
+
+cmake --install "$build" --prefix "$work/installed" >/dev/null
+mv "$work/installed" "$work/moved"
+prefix=$work/moved
+libdir=$(dirname "$(find "$prefix" -name vrm.pc -path '*/pkgconfig/*')")/..
+
+echo "find_package consumer (clang++, no flags)"
+cmake -S "$here" -B "$work/cmake" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake --build "$work/cmake" >/dev/null
+"$work/cmake/consumer"
+
+echo "pkg-config consumer (clang++ -std=c++20)"
+export PKG_CONFIG_PATH=$libdir/pkgconfig
+cflags=$(pkg-config --cflags vrm)
+case "$cflags" in *-std=*) echo "vrm.pc sets the language standard: $cflags" >&2; exit 1 ;; esac
+case "$cflags" in *"$prefix"*) ;; *) echo "vrm.pc does not point into the prefix: $cflags" >&2; exit 1 ;; esac
+# shellcheck disable=SC2046
+clang++ -std=c++20 "$here/consumer.cpp" $cflags $(pkg-config --libs vrm) -Wl,-rpath,"$(cd "$libdir" && pwd)" \
+    -o "$work/pc-consumer"
+"$work/pc-consumer"
+
+echo "streamgen from the prefix"
+"$prefix/bin/streamgen" validate "$here/../../examples/ipv4-udp.json"
+
+echo "exports"
+for lib in "$libdir"/libvrm.so "$libdir"/libtmplatform.so; do
+    # Mangled names in namespace std or __gnu_cxx, their type information and tables.
+    if nm -D --defined-only "$lib" | awk '{print $3}' | grep -E '^_Z(T[ISV])?(NK?)?(St|9__gnu_cxx)' | c++filt; then
+        echo "$lib exports standard library instances" >&2
+        exit 1
+    fi
+done
+echo "install checks passed"
