@@ -19,6 +19,7 @@
 #pragma once
 
 #include <array>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -211,6 +212,15 @@ void read_element(const Tm_array* a, int i, T& out) {
 
 template <class T>
 void read_vector(const Tm_array* a, std::vector<T>& out) {
+    if constexpr (is_scalar<T> && tm_backed_detail::wire_kind<T>() >= 0) {
+        // Elements kept in wire layout, of the kind asked for: one copy.
+        Tm_array::Packed p;
+        if (a->packed(p) && p.kind == ScalarKind<T>::kind) {
+            out.resize(p.count);
+            std::memcpy(out.data(), p.data, p.count * sizeof(T));
+            return;
+        }
+    }
     const int n = a->get_member_count();
     out.clear();
     out.reserve(static_cast<std::size_t>(n));

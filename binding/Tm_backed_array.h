@@ -35,6 +35,31 @@ inline int checked_count(int count) {
     return count;
 }
 
+// The element kind whose wire layout a value of type V has in memory (little-endian hosts
+// only), or -1: then the elements are walked one by one.
+template <class V>
+constexpr int wire_kind() {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    if constexpr (std::is_same_v<V, signed char>) return TMV_INT8;
+    if constexpr (std::is_same_v<V, unsigned char>) return TMV_UINT8;
+    if constexpr (std::is_same_v<V, short>) return TMV_INT16;
+    if constexpr (std::is_same_v<V, unsigned short>) return TMV_UINT16;
+    if constexpr (std::is_same_v<V, int>) return TMV_INT32;
+    if constexpr (std::is_same_v<V, unsigned int>) return TMV_UINT32;
+    if constexpr (std::is_same_v<V, long> && sizeof(long) == 8) return TMV_INT64;
+    if constexpr (std::is_same_v<V, unsigned long> && sizeof(long) == 8) return TMV_UINT64;
+#endif
+    return -1;
+}
+
+// Whether Iter walks contiguous storage of its value type.
+template <class Iter>
+constexpr bool contiguous() {
+    using V = typename std::iterator_traits<Iter>::value_type;
+    return std::is_pointer_v<Iter> || (!std::is_same_v<V, bool> &&
+                                       std::is_same_v<Iter, typename std::vector<V>::const_iterator>);
+}
+
 // Hands element `v` to the visitor operation of `tag`, widening narrow integers the way
 // the visitor expects.
 template <class V>
@@ -147,9 +172,13 @@ class Tm_backed_array : public Tm_array {
     using value_type = typename std::iterator_traits<Iter>::value_type;
 
     Tm_backed_array(Iter begin, int count, TMV tag)
-        : Tm_array(), m_begin(begin), m_count(tm_backed_detail::checked_count(count)), m_tag(tag) {}
+        : Tm_array(), m_begin(begin), m_count(tm_backed_detail::checked_count(count)), m_tag(tag) {
+        announce_layout();
+    }
     Tm_backed_array(const Tm_backed_array& other)
-        : Tm_array(), m_begin(other.m_begin), m_count(other.m_count), m_tag(other.m_tag) {}
+        : Tm_array(), m_begin(other.m_begin), m_count(other.m_count), m_tag(other.m_tag) {
+        announce_layout();
+    }
     Tm_backed_array& operator=(const Tm_backed_array&) = delete;
 
     Tm_value* clone() const override { return new Tm_backed_array(*this); }
@@ -178,6 +207,13 @@ class Tm_backed_array : public Tm_array {
     }
 
   private:
+    // Elements stored as the wire lays them out are encoded with one copy.
+    void announce_layout() {
+        if constexpr (tm_backed_detail::contiguous<Iter>()) {
+            if (m_count > 0 && tm_backed_detail::wire_kind<value_type>() == m_tag)
+                set_packed_view(&*m_begin, static_cast<std::size_t>(m_count), m_tag);
+        }
+    }
     int element_count() const { return m_count; }
     value_type element(TMV wanted, int index) const { return *get_member_iterator(wanted, index); }
 
@@ -191,9 +227,13 @@ template <class T, class Iter>
 class Tm_copy_backed_array : public Tm_array {
   public:
     Tm_copy_backed_array(Iter begin, int count, TMV tag)
-        : Tm_array(), m_values(begin, begin + tm_backed_detail::checked_count(count)), m_tag(tag) {}
+        : Tm_array(), m_values(begin, begin + tm_backed_detail::checked_count(count)), m_tag(tag) {
+        announce_layout();
+    }
     Tm_copy_backed_array(const Tm_copy_backed_array& other)
-        : Tm_array(), m_values(other.m_values), m_tag(other.m_tag) {}
+        : Tm_array(), m_values(other.m_values), m_tag(other.m_tag) {
+        announce_layout();
+    }
     Tm_copy_backed_array& operator=(const Tm_copy_backed_array&) = delete;
 
     Tm_value* clone() const override { return new Tm_copy_backed_array(*this); }
@@ -221,6 +261,12 @@ class Tm_copy_backed_array : public Tm_array {
     }
 
   private:
+    void announce_layout() {
+        if constexpr (!std::is_same_v<T, bool>) {
+            if (!m_values.empty() && tm_backed_detail::wire_kind<T>() == m_tag)
+                set_packed_view(m_values.data(), m_values.size(), m_tag);
+        }
+    }
     int element_count() const { return static_cast<int>(m_values.size()); }
     T element(TMV wanted, int index) const { return get_member(wanted, index); }
 

@@ -1,4 +1,6 @@
 // libFuzzer target: decoding arbitrary bytes must never crash; refusals are Tm_exception.
+// The heap that decoding takes at its peak, the decoded message included, stays within the
+// bound that Tm_codec.h states (measured by a counting global allocator).
 // Whatever decodes must also render, and must survive another trip through the codec
 // unchanged (checked on the bytes, so NaN payloads compare too).
 #include <cstddef>
@@ -10,6 +12,7 @@
 #include "platform/Tm_codec.h"
 #include "platform/Tm_exception.h"
 #include "platform/Tm_json.h"
+#include "tests/support/AllocationMeter.h"
 
 namespace {
 
@@ -24,11 +27,16 @@ std::vector<unsigned char> wrapped(const Message& m) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Message m;
-    try {
-        tmsg::decode(data, size, m);
-    } catch (const Tm_exception&) {
-        return 0;
-    }
+    bool refused = false;
+    const std::size_t peak = alloc_meter::peak_of([&] {
+        try {
+            tmsg::decode(data, size, m);
+        } catch (const Tm_exception&) {
+            refused = true;
+        }
+    });
+    if (peak > tmsg::kDecodeBytesPerInputByte * size + tmsg::kDecodeFixedBytes) std::abort();
+    if (refused) return 0;
     (void)tmsg::to_json(m, 2);
     std::vector<unsigned char> first;
     try {

@@ -1,6 +1,7 @@
 #include "platform/Message.h"
 
 #include <memory>
+#include <typeinfo>
 
 #include "platform/Tm_exception.h"
 
@@ -52,12 +53,47 @@ private:
     Tm_catalog<std::string>& m_catalog;
 };
 
+// Interns the member names of a value tree in the same order as NameCollector, reading
+// the runtime's own structs and arrays directly (shared names intern without hashing) and
+// handing any other value to the collector.
+void collect_names(const Tm_value& v, Tm_catalog<std::string>& catalog);
+
+void collect_struct(const Tm_struct& s, Tm_catalog<std::string>& catalog) {
+    const int n = s.get_member_count();
+    for (int i = 0; i < n; ++i) {
+        catalog.add(s.member_name_handle(i));
+        if (const Tm_value* v = s.member_slot(i).value()) collect_names(*v, catalog);
+    }
+}
+
+void collect_names(const Tm_value& v, Tm_catalog<std::string>& catalog) {
+    const std::type_info& type = typeid(v);
+    if (type == typeid(Tm_struct) || type == typeid(Tm_prenamed_struct)) {
+        collect_struct(static_cast<const Tm_struct&>(v), catalog);
+    } else if (type == typeid(Tm_array)) {
+        const auto& a = static_cast<const Tm_array&>(v);
+        if (a.holds_packed()) return;
+        const int n = a.get_member_count();
+        for (int i = 0; i < n; ++i) {
+            if (const Tm_value* item = a.item_slot(i).value()) collect_names(*item, catalog);
+        }
+    } else if (type == typeid(Tm_message)) {
+        const Message& m = static_cast<const Tm_message&>(v).get();
+        collect_struct(m.get_group(TMG_SEND), catalog);
+        collect_struct(m.get_group(TMG_RECV), catalog);
+    } else if (v.get_value_type() == TMV_ARRAY || v.get_value_type() == TMV_STRUCT) {
+        Tm_array::Packed p;
+        if (v.get_value_type() == TMV_ARRAY && static_cast<const Tm_array&>(v).packed(p)) return;
+        NameCollector collector(catalog);
+        v.accept(collector);
+    }
+}
+
 }  // namespace
 
 bool Message::create_send_member_string_meta() {
     if (!m_useSendMemberString) return false;
-    NameCollector collector(m_catalogs[TMG_SEND]);
-    m_groups[TMG_SEND].accept(collector);
+    collect_struct(m_groups[TMG_SEND], m_catalogs[TMG_SEND]);
     return true;
 }
 

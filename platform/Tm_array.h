@@ -1,6 +1,7 @@
 // Arrays: ordered, unnamed members, possibly of mixed kinds.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -74,12 +75,58 @@ public:
 
     Tm_catalog<std::string>* get_catalog() const { return m_catalog; }
 
+    // Internal access for the codec, the catalog walk and the record converters.
+    // The elements of a uniform scalar array laid out as the wire carries them (little-endian,
+    // each of its kind's wire size), when this array stores or refers to them that way:
+    // `data` then points at `count` elements of kind `kind` and the call returns true.
+    struct Packed {
+        const unsigned char* data;
+        std::size_t count;
+        TMV kind;
+    };
+    bool packed(Packed& out) const {
+        if (!m_packedData) return false;
+        out = Packed{m_packedData, m_packedCount, m_packedKind};
+        return true;
+    }
+    // Whether this is a plain array (not a derived one), whose items item_slot() reads.
+    bool is_plain() const;
+    // Whether a plain array holds its items packed (then item_slot() does not apply).
+    bool holds_packed() const { return m_ownsPacked; }
+    // The storage cell of item `index` of a plain array without packed storage (unchecked).
+    const tm_detail::Slot& item_slot(int index) const { return m_items[static_cast<size_t>(index)]; }
+    // Replaces the items of a plain array with `count` packed elements of scalar kind `kind`
+    // copied from `data` (wire layout).
+    void assign_packed(TMV kind, const unsigned char* data, std::size_t count);
+    // Appends a storage cell to a plain array without packed storage.
+    void append_item(tm_detail::Slot slot) { m_items.push_back(std::move(slot)); }
+    // Wire size of one element of scalar kind `kind`.
+    static std::size_t wire_size(TMV kind);
+
 protected:
+    // Derived arrays whose elements sit contiguously in wire layout announce them here.
+    void set_packed_view(const void* data, std::size_t count, TMV kind) {
+        m_packedData = static_cast<const unsigned char*>(data);
+        m_packedCount = count;
+        m_packedKind = kind;
+    }
     // Throws Tm_out_of_range_exception(index, 0, count - 1) unless 0 <= index < count.
     static void check_index(int index, int count);
 
 private:
     const tm_detail::Slot& typed(int index, TMV kind) const;
+    tm_detail::Slot scalar(int index, TMV kind) const;
+    // Turns packed storage into one slot per element (before a mutation).
+    void unpack();
+    // Element `index` of packed storage of kind `kind` (checked like the getters).
+    tm_detail::Slot packed_slot(int index, TMV kind) const;
+    tm_detail::Slot element_slot(std::size_t index) const;
     Tm_catalog<std::string>* m_catalog;
     std::vector<tm_detail::Slot> m_items;
+    // Packed storage of a plain array (m_packedBytes) or a derived array's view.
+    std::vector<unsigned char> m_packedBytes;
+    const unsigned char* m_packedData = nullptr;
+    std::size_t m_packedCount = 0;
+    TMV m_packedKind = TMV_UINT8;
+    bool m_ownsPacked = false;
 };

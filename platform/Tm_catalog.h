@@ -1,9 +1,12 @@
 // Interning table of names: each distinct name gets a stable index.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 #include <vector>
+
+#include "platform/Tm_slot.h"
 
 template <class T>
 class Tm_catalog;
@@ -11,6 +14,13 @@ class Tm_catalog;
 template <>
 class Tm_catalog<std::string> {
 public:
+    Tm_catalog();
+    Tm_catalog(const Tm_catalog& other);
+    Tm_catalog(Tm_catalog&& other) noexcept;
+    Tm_catalog& operator=(const Tm_catalog& other);
+    Tm_catalog& operator=(Tm_catalog&& other) noexcept;
+    ~Tm_catalog();
+
     // Index of `name`, adding it at the end when it is new.
     int add(const std::string& name);
     // Index of `name`, or -1.
@@ -21,7 +31,15 @@ public:
     void clear();
     const std::vector<std::string>& names() const { return m_names; }
 
+    // The same as add() and find() for a shared member name; a name interned here before
+    // is found again without hashing its text.
+    int add(const tm_detail::Name& name);
+    int find(const tm_detail::Name& name) const;
+
 private:
     std::vector<std::string> m_names;
     std::unordered_map<std::string, int> m_index;
+    // Identifies these contents for the index that names remember: renewed whenever an
+    // index could change meaning (clear, copy, move).
+    std::uint64_t m_id;
 };

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <typeinfo>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -83,6 +84,12 @@ class Writer {
     }
     void bytes(const void* data, std::size_t size) {
         varint(size);
+        if (size == 0) return;
+        ensure(size);
+        std::memcpy(m_base + m_len, data, size);
+        m_len += size;
+    }
+    void raw(const void* data, std::size_t size) {
         if (size == 0) return;
         ensure(size);
         std::memcpy(m_base + m_len, data, size);
@@ -182,9 +189,92 @@ class Encoder final : public Tm_visitor {
         m_w.u8(static_cast<unsigned int>(m.get_msg_type()));
         m_w.bytes(m.get_request_name().data(), m.get_request_name().size());
         m_stack.push_back(Frame{false, true, TMV_STRUCT, level, 2});
-        m.get_group(TMG_SEND).accept(*this);
-        m.get_group(TMG_RECV).accept(*this);
+        write_struct(m.get_group(TMG_SEND));
+        write_struct(m.get_group(TMG_RECV));
         close();
+    }
+
+    // The runtime's own structs and arrays are written directly, without visitor round trips;
+    // any other value (derived structs and arrays) through its accept().
+    void write_value(const Tm_value& v) {
+        const std::type_info& type = typeid(v);
+        if (type == typeid(Tm_struct) || type == typeid(Tm_prenamed_struct)) {
+            write_struct(static_cast<const Tm_struct&>(v));
+        } else if (v.get_value_type() == TMV_ARRAY) {
+            const auto& a = static_cast<const Tm_array&>(v);
+            Tm_array::Packed p;
+            if (a.packed(p)) {
+                write_packed(p);
+            } else if (type == typeid(Tm_array)) {
+                write_plain_array(a);
+            } else {
+                v.accept(*this);
+            }
+        } else {
+            v.accept(*this);
+        }
+    }
+    void write_struct(const Tm_struct& s) {
+        item(TMV_STRUCT);
+        const Frame& parent = m_stack.back();
+        const int level = parent.holdsBodies ? parent.level : nested_level(parent.level + 1);
+        const int count = s.get_member_count();
+        m_w.varint(static_cast<std::uint64_t>(count));
+        m_stack.push_back(Frame{true, false, -1, level, count});
+        for (int i = 0; i < count; ++i) {
+            m_w.varint(static_cast<std::uint64_t>(name_index(s.member_name_handle(i))));
+            write_slot(s.member_slot(i));
+        }
+        close();
+    }
+    void write_slot(const tm_detail::Slot& slot) {
+        switch (slot.kind()) {
+            case TMV_INT8: return visit_int8(static_cast<int>(slot.as_signed()));
+            case TMV_UINT8: return visit_uint8(static_cast<unsigned int>(slot.as_unsigned()));
+            case TMV_INT16: return visit_int16(static_cast<int>(slot.as_signed()));
+            case TMV_UINT16: return visit_uint16(static_cast<unsigned int>(slot.as_unsigned()));
+            case TMV_INT32: return visit_int32(static_cast<int>(slot.as_signed()));
+            case TMV_UINT32: return visit_uint32(static_cast<unsigned int>(slot.as_unsigned()));
+            case TMV_INT64: return visit_int64(slot.as_signed());
+            case TMV_UINT64: return visit_uint64(slot.as_unsigned());
+            case TMV_DOUBLE: return visit_double(slot.as_double());
+            case TMV_BOOL: return visit_bool(slot.as_bool());
+            default: return write_value(*slot.value());
+        }
+    }
+    void write_plain_array(const Tm_array& a) {
+        item(TMV_ARRAY);
+        const int level = nested_level(m_stack.back().level + 1);
+        const int count = a.get_member_count();
+        int tag = kMixed;
+        if (count > 0) {
+            tag = a.item_slot(0).kind();
+            for (int i = 1; i < count; ++i) {
+                if (a.item_slot(i).kind() != tag) {
+                    tag = kMixed;
+                    break;
+                }
+            }
+        }
+        m_w.varint(static_cast<std::uint64_t>(count));
+        m_w.u8(static_cast<unsigned int>(tag));
+        if (tag != kMixed && (tag <= TMV_BOOL || tag == TMV_DATE))
+            m_w.ensure(static_cast<std::size_t>(count) * kMinPayload[tag]);
+        m_stack.push_back(Frame{tag == kMixed, false, tag == kMixed ? -1 : tag, level, count});
+        for (int i = 0; i < count; ++i) write_slot(a.item_slot(i));
+        close();
+    }
+    // A uniform scalar array stored in wire layout: one copy of its payload.
+    void write_packed(const Tm_array::Packed& p) {
+        item(TMV_ARRAY);
+        nested_level(m_stack.back().level + 1);
+        m_w.varint(p.count);
+        m_w.u8(static_cast<unsigned int>(p.kind));
+        m_w.raw(p.data, p.count * Tm_array::wire_size(p.kind));
+    }
+    int name_index(const tm_detail::Name& name) {
+        const int index = m_catalog.find(name);
+        return index >= 0 ? index : extra_index(name.text());
     }
     void begin_struct(const Tm_struct& s) override {
         item(TMV_STRUCT);
@@ -197,17 +287,18 @@ class Encoder final : public Tm_visitor {
         m_stack.push_back(Frame{true, false, -1, level, count});
     }
     void visit_member_name(const std::string& name) override {
-        int index = m_catalog.find(name);
-        if (index < 0) {
-            auto it = m_extraIndex.find(name);
-            if (it == m_extraIndex.end()) {
-                index = m_catalog.size() + static_cast<int>(m_extraNames.size());
-                it = m_extraIndex.emplace(name, index).first;
-                m_extraNames.push_back(&it->first);
-            }
-            index = it->second;
+        const int index = m_catalog.find(name);
+        m_w.varint(static_cast<std::uint64_t>(index >= 0 ? index : extra_index(name)));
+    }
+    // Index of a name the catalog lacks, appended after the catalog's names.
+    int extra_index(const std::string& name) {
+        auto it = m_extraIndex.find(name);
+        if (it == m_extraIndex.end()) {
+            const int index = m_catalog.size() + static_cast<int>(m_extraNames.size());
+            it = m_extraIndex.emplace(name, index).first;
+            m_extraNames.push_back(&it->first);
         }
-        m_w.varint(static_cast<std::uint64_t>(index));
+        return it->second;
     }
     void end_struct(const Tm_struct&) override { close(); }
     void begin_array(const Tm_array& a) override {
@@ -297,25 +388,8 @@ void write_table(Writer& w, const Tm_catalog<std::string>& catalog,
     throw Tm_exception("decode error at byte " + std::to_string(offset) + ": " + what);
 }
 
-// Members are appended to a struct under a name, or to an array.
-struct StructSink {
-    Tm_struct& target;
-    const std::string& name;
-    template <class T>
-    void scalar(T v) {
-        target.add_member(name, v);
-    }
-    void own(Tm_value* v) { target.add_member_and_own(name, v); }
-};
-
-struct ArraySink {
-    Tm_array& target;
-    template <class T>
-    void scalar(T v) {
-        target.Tm_array::add_member(v);
-    }
-    void own(Tm_value* v) { target.Tm_array::add_member_and_own(v); }
-};
+using tm_detail::Name;
+using tm_detail::Slot;
 
 class Decoder {
   public:
@@ -432,15 +506,16 @@ class Decoder {
         return level + 1;
     }
 
+    // Each table name is kept once, shared by every member that names it.
     void read_table(Tm_catalog<std::string>& catalog) {
         const std::size_t n = count(1, "name count");
         m_names.clear();
         m_names.reserve(n);
         for (std::size_t i = 0; i < n; ++i) {
             const std::size_t at = m_pos;
-            m_names.push_back(bytes_as_string());
+            m_names.emplace_back(bytes_as_string());
             if (static_cast<std::size_t>(catalog.add(m_names.back())) != i) {
-                fail(at, "name '" + m_names.back() + "' appears twice in the name table");
+                fail(at, "name '" + m_names.back().text() + "' appears twice in the name table");
             }
         }
     }
@@ -448,6 +523,7 @@ class Decoder {
     // A member list; `level` is the nesting level of its holder.
     void read_body(Tm_struct& target, int level) {
         const int n = item_count(kMinMember, "member count");
+        target.reserve_members(static_cast<std::size_t>(n));
         for (int i = 0; i < n; ++i) {
             const std::size_t at = m_pos;
             const std::uint64_t index = varint();
@@ -457,80 +533,61 @@ class Decoder {
             }
             const std::size_t tagAt = m_pos;
             const int tag = kind_tag(false);
-            StructSink sink{target, m_names[static_cast<std::size_t>(index)]};
-            read_payload(tag, tagAt, level, sink);
+            target.append(m_names[static_cast<std::size_t>(index)], read_payload(tag, tagAt, level));
         }
     }
 
-    template <class Sink>
-    void read_payload(int tag, std::size_t tagAt, int level, Sink& sink) {
+    Slot read_payload(int tag, std::size_t tagAt, int level) {
         switch (tag) {
             case TMV_INT8:
-                sink.scalar(static_cast<signed char>(u8()));
-                break;
+                return Slot::of_signed(TMV_INT8, static_cast<signed char>(u8()));
             case TMV_UINT8:
-                sink.scalar(static_cast<unsigned char>(u8()));
-                break;
+                return Slot::of_unsigned(TMV_UINT8, u8());
             case TMV_INT16:
-                sink.scalar(static_cast<short>(static_cast<std::uint16_t>(fixed<2>())));
-                break;
+                return Slot::of_signed(TMV_INT16, static_cast<short>(static_cast<std::uint16_t>(fixed<2>())));
             case TMV_UINT16:
-                sink.scalar(static_cast<unsigned short>(fixed<2>()));
-                break;
+                return Slot::of_unsigned(TMV_UINT16, fixed<2>());
             case TMV_INT32:
-                sink.scalar(static_cast<int>(static_cast<std::uint32_t>(fixed<4>())));
-                break;
+                return Slot::of_signed(TMV_INT32, static_cast<int>(static_cast<std::uint32_t>(fixed<4>())));
             case TMV_UINT32:
-                sink.scalar(static_cast<unsigned int>(fixed<4>()));
-                break;
+                return Slot::of_unsigned(TMV_UINT32, fixed<4>());
             case TMV_INT64:
-                sink.scalar(static_cast<long>(fixed<8>()));
-                break;
+                return Slot::of_signed(TMV_INT64, static_cast<long>(fixed<8>()));
             case TMV_UINT64:
-                sink.scalar(static_cast<unsigned long>(fixed<8>()));
-                break;
+                return Slot::of_unsigned(TMV_UINT64, fixed<8>());
             case TMV_DOUBLE: {
                 const std::uint64_t bits = fixed<8>();
                 double d;
                 std::memcpy(&d, &bits, sizeof d);
-                sink.scalar(d);
-                break;
+                return Slot::of_double(d);
             }
             case TMV_BOOL:
-                sink.scalar(read_bool());
-                break;
+                return Slot::of_bool(read_bool());
             case TMV_STRING:
-                sink.own(new Tm_string(bytes_as_string()));
-                break;
+                return Slot::owning(new Tm_string(bytes_as_string()));
             case TMV_BINARY:
-                sink.own(new Tm_binary(bytes_as_vector()));
-                break;
+                return Slot::owning(new Tm_binary(bytes_as_vector()));
             case TMV_DATE:
-                sink.own(new Tm_date(static_cast<long>(fixed<8>())));
-                break;
+                return Slot::owning(new Tm_date(static_cast<long>(fixed<8>())));
             case TMV_FILE: {
                 std::string name = bytes_as_string();
                 std::vector<unsigned char> content = bytes_as_vector();
-                sink.own(new Tm_file(std::move(name), std::move(content)));
-                break;
+                return Slot::owning(new Tm_file(std::move(name), std::move(content)));
             }
             case TMV_STRUCT: {
                 auto s = std::make_unique<Tm_struct>();
                 read_body(*s, deeper(level, tagAt));
-                sink.own(s.release());
-                break;
+                return Slot::owning(s.release());
             }
             case TMV_ARRAY: {
                 auto a = std::make_unique<Tm_array>();
                 read_array(*a, deeper(level, tagAt));
-                sink.own(a.release());
-                break;
+                return Slot::owning(a.release());
             }
             case TMV_MESSAGE: {
                 auto m = std::make_unique<Tm_message>();
                 read_message(m->get(), deeper(level, tagAt));
-                sink.own(m.release());
-                break;
+                return Slot::owning(m.release());
             }
             default:
                 fail(tagAt, "unknown kind tag " + std::to_string(tag));
@@ -553,17 +610,6 @@ class Decoder {
         m.set_request_name(name);
     }
 
-    // Bare payloads of one scalar kind, `n` of them, already checked against the input.
-    template <class T, int N>
-    void read_packed(Tm_array& a, int n) {
-        const unsigned char* p = take(static_cast<std::size_t>(n) * N);
-        for (int i = 0; i < n; ++i, p += N) {
-            std::uint64_t v = 0;
-            for (int k = 0; k < N; ++k) v |= static_cast<std::uint64_t>(p[k]) << (8 * k);
-            a.Tm_array::add_member(static_cast<T>(v));
-        }
-    }
-
     void read_array(Tm_array& a, int level) {
         const std::size_t countAt = m_pos;
         const std::uint64_t raw = varint();
@@ -575,42 +621,30 @@ class Decoder {
                               std::to_string(remaining()) + " bytes can hold");
         }
         const int n = static_cast<int>(raw);
-        a.Tm_array::reserve(n);
-        ArraySink sink{a};
-        switch (tag) {
-            case TMV_INT8:
-                return read_packed<signed char, 1>(a, n);
-            case TMV_UINT8:
-                return read_packed<unsigned char, 1>(a, n);
-            case TMV_INT16:
-                return read_packed<short, 2>(a, n);
-            case TMV_UINT16:
-                return read_packed<unsigned short, 2>(a, n);
-            case TMV_INT32:
-                return read_packed<int, 4>(a, n);
-            case TMV_UINT32:
-                return read_packed<unsigned int, 4>(a, n);
-            case TMV_INT64:
-                return read_packed<long, 8>(a, n);
-            case TMV_UINT64:
-                return read_packed<unsigned long, 8>(a, n);
-            case kMixed:
-                for (int i = 0; i < n; ++i) {
-                    const std::size_t at = m_pos;
-                    const int itemTag = kind_tag(false);
-                    read_payload(itemTag, at, level, sink);
+        if (tmv_is_scalar(tag)) {
+            // Bare payloads of one scalar kind: kept packed, as the wire carries them.
+            const std::size_t bytes = static_cast<std::size_t>(n) * kMinPayload[tag];
+            const unsigned char* p = m_data + m_pos;
+            if (tag == TMV_BOOL) {
+                for (std::size_t i = 0; i < bytes; ++i) {
+                    if (p[i] > 1) fail(m_pos + i, "bool byte " + std::to_string(p[i]) + " is neither 0 nor 1");
                 }
-                return;
-            default:
-                for (int i = 0; i < n; ++i) read_payload(tag, tagAt, level, sink);
-                return;
+            }
+            a.assign_packed(static_cast<TMV>(tag), take(bytes), static_cast<std::size_t>(n));
+            return;
+        }
+        a.Tm_array::reserve(n);
+        for (int i = 0; i < n; ++i) {
+            const std::size_t at = m_pos;
+            const int itemTag = tag == kMixed ? kind_tag(false) : tag;
+            a.append_item(read_payload(itemTag, tag == kMixed ? at : tagAt, level));
         }
     }
 
     const unsigned char* m_data;
     std::size_t m_size;
     std::size_t m_pos = 0;
-    std::vector<std::string> m_names;
+    std::vector<Name> m_names;
 };
 
 }  // namespace
@@ -630,7 +664,7 @@ void encode(const Message& message, std::vector<unsigned char>& out) {
         const std::size_t tableEnd = w.length();
 
         Encoder e(w, catalog);
-        message.get_group(TMG_SEND).accept(e);
+        e.write_struct(message.get_group(TMG_SEND));
         e.check_done();
         w.finish();
 

@@ -37,8 +37,14 @@
 // table, a name twice in the table, a length or count that the remaining bytes cannot hold
 // (checked before anything is reserved: each item needs at least its smallest payload),
 // nesting deeper than kMaxDepth, a varint longer than 10 bytes or above 64 bits, and
-// trailing bytes. Every decoded value consumes at least one input byte, so memory stays
-// within a constant multiple of the input size.
+// trailing bytes.
+//
+// Memory: decoding n input bytes takes, at its peak, at most kDecodeBytesPerInputByte * n +
+// kDecodeFixedBytes bytes of heap, the decoded message included. Each name of the table is
+// stored once and shared by every member that names it (members hold a reference, not a
+// copy); uniform scalar arrays are kept packed, as the wire carries them; every other value
+// consumes at least one input byte and takes a bounded number of bytes. The costliest
+// inputs are arrays of empty structs, arrays or messages and tables of one-byte names.
 //
 // The namespace is tmsg rather than tm because the C library's `struct tm` lives in the
 // global namespace of every program that includes <string>.
@@ -53,6 +59,8 @@ namespace tmsg {
 
 constexpr unsigned char kWireVersion = 1;
 constexpr int kMaxDepth = 64;
+constexpr std::size_t kDecodeBytesPerInputByte = 128;
+constexpr std::size_t kDecodeFixedBytes = 64 * 1024;
 
 std::vector<unsigned char> encode(const Message& message);
 // Appends the encoding to `out` (lets a caller reuse one buffer).

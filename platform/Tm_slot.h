@@ -2,9 +2,64 @@
 // Not part of the runtime's interface; code outside platform/ must not use it.
 #pragma once
 
+#include <atomic>
+#include <cstdint>
+#include <string>
+
 #include "platform/Tm_value.h"
 
 namespace tm_detail {
+
+// A member name shared by every struct member that carries it: one heap text per distinct
+// name of a names table or of a decoded name table, however many members use it. Copies
+// share the text (atomic reference count; names may be shared between messages that
+// different threads use). Besides the text, a name remembers its index in the last
+// catalog that interned it, so that interning a name again costs no hashing.
+class Name {
+public:
+    explicit Name(const std::string& text) : m_rep(new Rep(text)) {}
+    explicit Name(const char* text) : m_rep(new Rep(text)) {}
+    Name(const Name& o) noexcept : m_rep(o.m_rep) { m_rep->refs.fetch_add(1, std::memory_order_relaxed); }
+    Name(Name&& o) noexcept : m_rep(o.m_rep) { o.m_rep = nullptr; }
+    Name& operator=(const Name& o) noexcept {
+        Name copy(o);
+        std::swap(m_rep, copy.m_rep);
+        return *this;
+    }
+    Name& operator=(Name&& o) noexcept {
+        std::swap(m_rep, o.m_rep);
+        return *this;
+    }
+    ~Name() {
+        if (m_rep && m_rep->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) delete m_rep;
+    }
+
+    const std::string& text() const { return m_rep->text; }
+    // Identity of the shared text: equal identities mean equal texts.
+    const void* id() const { return m_rep; }
+
+    // The index remembered for catalog `catalogId`, or -1.
+    int cached_index(std::uint64_t catalogId) const {
+        const std::uint64_t v = m_rep->cache.load(std::memory_order_relaxed);
+        return (v >> kIndexBits) == catalogId && (v & kIndexMask) != 0 ? static_cast<int>((v & kIndexMask) - 1) : -1;
+    }
+    void remember_index(std::uint64_t catalogId, int index) const {
+        if (static_cast<std::uint64_t>(index) + 1 > kIndexMask) return;
+        m_rep->cache.store((catalogId << kIndexBits) | (static_cast<std::uint64_t>(index) + 1),
+                           std::memory_order_relaxed);
+    }
+
+private:
+    static constexpr int kIndexBits = 24;
+    static constexpr std::uint64_t kIndexMask = (std::uint64_t(1) << kIndexBits) - 1;
+    struct Rep {
+        explicit Rep(std::string t) : text(std::move(t)) {}
+        std::string text;
+        std::atomic<long> refs{1};
+        std::atomic<std::uint64_t> cache{0};
+    };
+    Rep* m_rep;
+};
 
 class Slot {
 public:

@@ -1,11 +1,16 @@
 #include "platform/Tm_struct.h"
 
+#include <algorithm>
+#include <cstring>
 #include <memory>
+#include <mutex>
+#include <unordered_map>
 
 #include "platform/Message.h"
 #include "platform/Tm_array.h"
 #include "platform/Tm_exception.h"
 
+using tm_detail::Name;
 using tm_detail::Slot;
 
 Tm_struct::Tm_struct() : Tm_value_container(TMV_STRUCT) {}
@@ -39,7 +44,7 @@ bool Tm_struct::equals(const Tm_value& other) const {
     const auto& o = static_cast<const Tm_struct&>(other);
     if (o.m_members.size() != m_members.size()) return false;
     for (size_t i = 0; i < m_members.size(); ++i) {
-        if (m_members[i].name != o.m_members[i].name || !m_members[i].slot.equals(o.m_members[i].slot)) return false;
+        if (m_members[i].name.text() != o.m_members[i].name.text() || !m_members[i].slot.equals(o.m_members[i].slot)) return false;
     }
     return true;
 }
@@ -47,7 +52,7 @@ bool Tm_struct::equals(const Tm_value& other) const {
 void Tm_struct::accept(Tm_visitor& visitor) const {
     visitor.begin_struct(*this);
     for (const Member& m : m_members) {
-        visitor.visit_member_name(m.name);
+        visitor.visit_member_name(m.name.text());
         m.slot.accept(visitor);
     }
     visitor.end_struct(*this);
@@ -57,14 +62,14 @@ void Tm_struct::clear() { m_members.clear(); }
 
 int Tm_struct::get_member_index(const std::string& name) const {
     for (size_t i = 0; i < m_members.size(); ++i) {
-        if (m_members[i].name == name) return static_cast<int>(i);
+        if (m_members[i].name.text() == name) return static_cast<int>(i);
     }
     return -1;
 }
 
 const std::string& Tm_struct::get_member_name(int index) const {
     if (index < 0 || index >= get_member_count()) throw Tm_out_of_range_exception(index, 0, get_member_count() - 1);
-    return m_members[static_cast<size_t>(index)].name;
+    return m_members[static_cast<size_t>(index)].name.text();
 }
 
 TMV Tm_struct::get_member_value_type(int index) const {
@@ -77,7 +82,18 @@ void Tm_struct::member_accept(int index, Tm_visitor& visitor) const {
     m_members[static_cast<size_t>(index)].slot.accept(visitor);
 }
 
-void Tm_struct::append(std::string name, Slot slot) { m_members.push_back(Member{std::move(name), std::move(slot)}); }
+int Tm_struct::find_member(const char* name, int hint) const {
+    const std::size_t len = std::strlen(name);
+    const auto is = [&](const Member& m) {
+        const std::string& t = m.name.text();
+        return t.size() == len && std::memcmp(t.data(), name, len) == 0;
+    };
+    if (hint >= 0 && hint < get_member_count() && is(m_members[static_cast<size_t>(hint)])) return hint;
+    for (size_t i = 0; i < m_members.size(); ++i) {
+        if (is(m_members[i])) return static_cast<int>(i);
+    }
+    return -1;
+}
 
 const Slot& Tm_struct::typed(const std::string& name, TMV kind) const {
     const int i = get_member_index(name);
@@ -87,32 +103,33 @@ const Slot& Tm_struct::typed(const std::string& name, TMV kind) const {
     return s;
 }
 
-void Tm_struct::add_member(const std::string& name, bool v) { append(name, Slot::of_bool(v)); }
-void Tm_struct::add_member(const std::string& name, signed char v) { append(name, Slot::of_signed(TMV_INT8, v)); }
-void Tm_struct::add_member(const std::string& name, unsigned char v) { append(name, Slot::of_unsigned(TMV_UINT8, v)); }
-void Tm_struct::add_member(const std::string& name, short v) { append(name, Slot::of_signed(TMV_INT16, v)); }
-void Tm_struct::add_member(const std::string& name, unsigned short v) { append(name, Slot::of_unsigned(TMV_UINT16, v)); }
-void Tm_struct::add_member(const std::string& name, int v) { append(name, Slot::of_signed(TMV_INT32, v)); }
-void Tm_struct::add_member(const std::string& name, unsigned int v) { append(name, Slot::of_unsigned(TMV_UINT32, v)); }
-void Tm_struct::add_member(const std::string& name, long v) { append(name, Slot::of_signed(TMV_INT64, v)); }
-void Tm_struct::add_member(const std::string& name, unsigned long v) { append(name, Slot::of_unsigned(TMV_UINT64, v)); }
-void Tm_struct::add_member(const std::string& name, double v) { append(name, Slot::of_double(v)); }
+void Tm_struct::add_member(const std::string& name, bool v) { append(Name(name), Slot::of_bool(v)); }
+void Tm_struct::add_member(const std::string& name, signed char v) { append(Name(name), Slot::of_signed(TMV_INT8, v)); }
+void Tm_struct::add_member(const std::string& name, unsigned char v) { append(Name(name), Slot::of_unsigned(TMV_UINT8, v)); }
+void Tm_struct::add_member(const std::string& name, short v) { append(Name(name), Slot::of_signed(TMV_INT16, v)); }
+void Tm_struct::add_member(const std::string& name, unsigned short v) { append(Name(name), Slot::of_unsigned(TMV_UINT16, v)); }
+void Tm_struct::add_member(const std::string& name, int v) { append(Name(name), Slot::of_signed(TMV_INT32, v)); }
+void Tm_struct::add_member(const std::string& name, unsigned int v) { append(Name(name), Slot::of_unsigned(TMV_UINT32, v)); }
+void Tm_struct::add_member(const std::string& name, long v) { append(Name(name), Slot::of_signed(TMV_INT64, v)); }
+void Tm_struct::add_member(const std::string& name, unsigned long v) { append(Name(name), Slot::of_unsigned(TMV_UINT64, v)); }
+void Tm_struct::add_member(const std::string& name, double v) { append(Name(name), Slot::of_double(v)); }
 void Tm_struct::add_member(const std::string& name, const char* v) {
-    append(name, Slot::owning(new Tm_string(v ? v : "")));
+    append(Name(name), Slot::owning(new Tm_string(v ? v : "")));
 }
-void Tm_struct::add_member(const std::string& name, const std::string& v) { append(name, Slot::owning(new Tm_string(v))); }
+void Tm_struct::add_member(const std::string& name, const std::string& v) { append(Name(name), Slot::owning(new Tm_string(v))); }
 void Tm_struct::add_member(const std::string& name, const unsigned char* data, unsigned int size) {
     if (!data && size) throw Tm_exception("null binary data");
-    append(name, Slot::owning(new Tm_binary(data, size)));
+    append(Name(name), Slot::owning(new Tm_binary(data, size)));
 }
 void Tm_struct::add_member(const std::string& name, const Tm_value* v) {
     if (!v) throw Tm_exception("null value for member '" + name + "'");
-    append(name, Slot::owning(v->clone()));
+    append(Name(name), Slot::owning(v->clone()));
 }
 void Tm_struct::add_member_and_own(const std::string& name, Tm_value* v, Tm_catalog<std::string>* catalog) {
     Slot slot = Slot::owning(v);  // owns (or has deleted) v from here on
-    if (catalog) catalog->add(name);
-    append(name, std::move(slot));
+    Name shared(name);
+    if (catalog) catalog->add(shared);
+    append(shared, std::move(slot));
 }
 
 bool Tm_struct::get_member_bool(const std::string& n) const { return typed(n, TMV_BOOL).as_bool(); }
@@ -159,16 +176,61 @@ const Message* Tm_struct::get_member_message(const std::string& n) const {
 
 Tm_value* Tm_prenamed_struct::clone() const { return new Tm_prenamed_struct(*this); }
 
+namespace {
+
+// The shared names of one names table. Tables are static (their texts never change), so
+// they are registered once, by address, and kept for the life of the process; a different
+// table met later at the same address gets a new entry (the old one stays, as structs may
+// still use its names).
+struct NameTable {
+    std::vector<const char*> entries;  // the table's pointers, terminator excluded
+    std::vector<Name> handles;
+    bool matches(const char* const* names, int count) const {
+        return static_cast<int>(entries.size()) == count &&
+               std::equal(entries.begin(), entries.end(), names);
+    }
+};
+
+const NameTable& shared_table(const char* const* names, int count) {
+    thread_local const NameTable* last = nullptr;
+    thread_local const char* const* lastNames = nullptr;
+    if (last && lastNames == names && last->matches(names, count)) return *last;
+    static std::mutex mutex;
+    static std::unordered_map<const char* const*, std::unique_ptr<NameTable>> tables;
+    static std::vector<std::unique_ptr<NameTable>> replaced;
+    std::lock_guard<std::mutex> lock(mutex);
+    std::unique_ptr<NameTable>& entry = tables[names];
+    if (!entry || !entry->matches(names, count)) {
+        auto table = std::make_unique<NameTable>();
+        table->entries.assign(names, names + count);
+        table->handles.reserve(static_cast<size_t>(count));
+        for (int i = 0; i < count; ++i) table->handles.emplace_back(names[i]);
+        if (entry) replaced.push_back(std::move(entry));
+        entry = std::move(table);
+    }
+    last = entry.get();
+    lastNames = names;
+    return *last;
+}
+
+}  // namespace
+
 void Tm_prenamed_struct::clear(const char* const* names) {
     Tm_struct::clear();
     m_names = names;
     m_namesCount = 0;
     while (names && names[m_namesCount]) ++m_namesCount;
+    m_handles = m_namesCount ? shared_table(names, m_namesCount).handles.data() : nullptr;
+    reserve_members(static_cast<std::size_t>(m_namesCount));
 }
 
-const char* Tm_prenamed_struct::name_at(int index, Tm_catalog<std::string>* catalog) const {
+const Name& Tm_prenamed_struct::name_handle(int index) const {
     if (index < 0 || index >= m_namesCount) throw Tm_out_of_range_exception(index, 0, m_namesCount - 1);
-    const char* name = m_names[index];
+    return m_handles[index];
+}
+
+const Name& Tm_prenamed_struct::name_at(int index, Tm_catalog<std::string>* catalog) const {
+    const Name& name = name_handle(index);
     if (catalog) catalog->add(name);
     return name;
 }
@@ -202,11 +264,11 @@ void Tm_prenamed_struct::add_member(int i, double v, Tm_catalog<std::string>* c)
     append(name_at(i, c), Slot::of_double(v));
 }
 void Tm_prenamed_struct::add_member(int i, const char* v, Tm_catalog<std::string>* c) {
-    const char* name = name_at(i, c);
+    const Name& name = name_at(i, c);
     append(name, Slot::owning(new Tm_string(v ? v : "")));
 }
 void Tm_prenamed_struct::add_member(int i, const std::string& v, Tm_catalog<std::string>* c) {
-    const char* name = name_at(i, c);
+    const Name& name = name_at(i, c);
     append(name, Slot::owning(new Tm_string(v)));
 }
 void Tm_prenamed_struct::add_member_and_own(int i, Tm_value* v, Tm_catalog<std::string>* c) {

@@ -1,6 +1,7 @@
 // Structs: ordered, named members.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -84,13 +85,25 @@ public:
     const Tm_file* get_member_file(const std::string& name) const;
     const Message* get_member_message(const std::string& name) const;
 
+    // Internal access for the codec, the catalog walk and the record converters: the shared
+    // name and the storage cell of member `index` (unchecked), a reservation of room for
+    // `count` members, and an append that shares `name`.
+    const tm_detail::Name& member_name_handle(int index) const { return m_members[static_cast<size_t>(index)].name; }
+    const tm_detail::Slot& member_slot(int index) const { return m_members[static_cast<size_t>(index)].slot; }
+    void reserve_members(std::size_t count) { m_members.reserve(count); }
+    void append(const tm_detail::Name& name, tm_detail::Slot slot) {
+        m_members.push_back(Member{name, std::move(slot)});
+    }
+    // Index of the member called `name`, trying position `hint` first (record readers find
+    // their fields in order), or -1.
+    int find_member(const char* name, int hint) const;
+
 protected:
-    void append(std::string name, tm_detail::Slot slot);
     const tm_detail::Slot& typed(const std::string& name, TMV kind) const;
 
 private:
     struct Member {
-        std::string name;
+        tm_detail::Name name;
         tm_detail::Slot slot;
     };
     std::vector<Member> m_members;
@@ -130,8 +143,13 @@ public:
     // Takes ownership of `v`; it is deleted on every failure path.
     void add_member_and_own(int index, Tm_value* v, Tm_catalog<std::string>* catalog);
 
+    // The shared name of entry `index` of the installed table (checked like add_member).
+    const tm_detail::Name& name_handle(int index) const;
+
 private:
-    const char* name_at(int index, Tm_catalog<std::string>* catalog) const;
+    const tm_detail::Name& name_at(int index, Tm_catalog<std::string>* catalog) const;
     const char* const* m_names = nullptr;
     int m_namesCount = 0;
+    // The shared names of the installed table (owned by a process-wide registry of tables).
+    const tm_detail::Name* m_handles = nullptr;
 };
