@@ -40,7 +40,7 @@ TEST(DataTypeConvert, ToInt64RejectsUnrepresentableResults) {
     EXPECT_THROW(DataConvertToInt64(std::numeric_limits<double>::infinity(), 1), std::out_of_range);
 }
 
-TEST(DataTypeConvert, ToDouble) {
+TEST(DataTypeConvert, ToDoubleDividesByTheScale) {
     EXPECT_DOUBLE_EQ(DataConvertToDouble(10, 4), 2.5);
     EXPECT_DOUBLE_EQ(DataConvertToDouble(0, 7), 0.0);
     EXPECT_DOUBLE_EQ(DataConvertToDouble(~0ul, 1), 18446744073709551615.0);
