@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Thrown.h"
 #include "common/FieldPacker.h"
 
 namespace {
@@ -126,15 +127,10 @@ class ConstructionErrorTest : public ::testing::TestWithParam<ConstructionErrorC
 
 TEST_P(ConstructionErrorTest, ThrowsDocumentedKindAndText) {
     const ConstructionErrorCase& c = GetParam();
-    try {
-        Make(c.geometry);
-        FAIL() << "no exception";
-    } catch (const std::invalid_argument& e) {
-        EXPECT_EQ(c.kind, Kind::InvalidArgument);
-        EXPECT_EQ(std::string(e.what()), c.text);
-    } catch (const std::out_of_range& e) {
-        EXPECT_EQ(c.kind, Kind::OutOfRange);
-        EXPECT_EQ(std::string(e.what()), c.text);
+    if (c.kind == Kind::InvalidArgument) {
+        EXPECT_EQ(Thrown<std::invalid_argument>([&] { Make(c.geometry); }), c.text);
+    } else {
+        EXPECT_EQ(Thrown<std::out_of_range>([&] { Make(c.geometry); }), c.text);
     }
 }
 
@@ -170,16 +166,9 @@ TEST(FieldPacker, FrameMustHoldTheWindow) {
         const std::string text =
             "Input byte array is not large enough to accomodate modifier: " + std::to_string(c.frameSize) +
             " (array size) . Absolute offset: 3. Field size: 2.\n";
-        for (int op = 0; op < 3; ++op) {
-            try {
-                if (op == 0) packer->StuffBytes(frame, value, false);
-                if (op == 1) packer->ZeroBytes(frame);
-                if (op == 2) packer->ZeroBytes(frame, 0, 1);
-                FAIL() << "no exception for frame size " << c.frameSize;
-            } catch (const std::out_of_range& e) {
-                EXPECT_EQ(std::string(e.what()), text);
-            }
-        }
+        EXPECT_EQ(Thrown<std::out_of_range>([&] { packer->StuffBytes(frame, value, false); }), text);
+        EXPECT_EQ(Thrown<std::out_of_range>([&] { packer->ZeroBytes(frame); }), text);
+        EXPECT_EQ(Thrown<std::out_of_range>([&] { packer->ZeroBytes(frame, 0, 1); }), text);
     }
 }
 
@@ -187,12 +176,8 @@ TEST(FieldPacker, ShortValueRejectedBeforeAnyByteIsWritten) {
     auto packer = Make({0, 32, 0, 3, 1});  // needs 3 bytes after 1 skipped byte
     Bytes frame(4, 0x5A);
     Bytes value = {0xBB, 0xCC, 0xDD};
-    try {
-        packer->StuffBytes(frame, value, false);
-        FAIL() << "no exception";
-    } catch (const std::logic_error& e) {
-        EXPECT_EQ(std::string(e.what()), "Input value size (3) is less than the required value size (4).\n");
-    }
+    EXPECT_EQ(Thrown([&] { packer->StuffBytes(frame, value, false); }),
+              "Input value size (3) is less than the required value size (4).\n");
     EXPECT_EQ(frame, Bytes(4, 0x5A));
     Bytes out;
     EXPECT_THROW(packer->GetBytes(out, value, false), std::logic_error);
@@ -223,12 +208,7 @@ TEST(FieldPacker, PartialZeroBytesChecksTheWindow) {
             EXPECT_EQ(frame, c.cleared) << int(c.offset) << "," << int(c.size);
             continue;
         }
-        try {
-            packer->ZeroBytes(frame, c.offset, c.size);
-            FAIL() << "no exception for " << int(c.offset) << "," << int(c.size);
-        } catch (const std::logic_error& e) {
-            EXPECT_EQ(std::string(e.what()), c.error);
-        }
+        EXPECT_EQ(Thrown([&] { packer->ZeroBytes(frame, c.offset, c.size); }), c.error);
     }
 }
 
@@ -269,12 +249,7 @@ void ExpectFrameOperationsRefused(FieldPacker& packer, const std::string& text) 
         [&] { packer.ZeroBytes(frame); },           [&] { packer.ZeroBytes(frame, 0, 1); },
     };
     for (const auto& op : ops) {
-        try {
-            op();
-            FAIL() << "no exception";
-        } catch (const std::logic_error& e) {
-            EXPECT_EQ(std::string(e.what()), text);
-        }
+        EXPECT_EQ(Thrown(op), text);
     }
 }
 
@@ -297,12 +272,7 @@ TEST(FieldPacker, InvalidPackerRefusesEverything) {
     ExpectFrameOperationsRefused(*packer, text);
     Bytes out;
     Bytes value = {1};
-    try {
-        packer->GetBytes(out, value, false);
-        FAIL() << "no exception";
-    } catch (const std::logic_error& e) {
-        EXPECT_EQ(std::string(e.what()), text);
-    }
+    EXPECT_EQ(Thrown([&] { packer->GetBytes(out, value, false); }), text);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Thrown.h"
 #include "common/Modifier.h"
 
 namespace {
@@ -183,12 +184,8 @@ TEST(ModifierArithmetic, Gcd) {
 TEST(ModifierFrame, OperationsNeedFieldParameters) {
     TestModifier m;
     Bytes frame(4, 0);
-    try {
-        m.ModifyBytes(frame, false);
-        FAIL() << "no exception";
-    } catch (const std::logic_error& e) {
-        EXPECT_EQ(std::string(e.what()), "Attempting to use modifier without setting field parameters\n");
-    }
+    EXPECT_EQ(Thrown([&] { m.ModifyBytes(frame, false); }),
+              "Attempting to use modifier without setting field parameters\n");
     EXPECT_THROW(m.GetBitLength(), std::logic_error);
 }
 
@@ -235,12 +232,7 @@ TEST(ModifierFrame, WithoutFrameDataOnlyValuesPassThrough) {
     m.GetBytes(out, true);
     EXPECT_EQ(out, (Bytes{1, 0x0A, 0xBC}));
     Bytes frame(4, 0);
-    try {
-        m.ModifyBytes(frame, false);
-        FAIL() << "no exception";
-    } catch (const std::logic_error& e) {
-        EXPECT_EQ(std::string(e.what()), "Modifier does not support frame data related operations\n");
-    }
+    EXPECT_EQ(Thrown([&] { m.ModifyBytes(frame, false); }), "Modifier does not support frame data related operations\n");
 }
 
 struct RangeParamsCase {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Thrown.h"
 #include "RangeReference.h"
 #include "common/RangeModifier.h"
 #include "common/RangeModifierImpl.h"
@@ -107,6 +108,7 @@ TEST(RangeModifier, StepAndMaskByteIndexes) {
     // clang-format off
     const std::vector<IndexCase> cases = {
         {{0, 0, 0, 0, 0, 1, 0, 0}, ones8, true, 5, 0, 5, 5},
+        {{0, 0, 0, 0, 1, 0, 0, 0}, ones8, true, 4, 0, 4, 4},
         {{0, 0, 1, 0, 0, 0, 0, 0}, ones8, true, 3, 0, 2, 2},
         {{0, 0, 0, 0, 0, 0, 0, 0}, ones8, true, 7, 0, 0, 0},
         {{0, 0, 0, 0, 0, 1, 0, 0}, ones8, false, 5, 2, 5, 5},
@@ -180,21 +182,11 @@ TEST(RangeModifierImplFactory, OneEnginePerWidthOneToSixteen) {
 
 TEST(RangeModifierImpl, WidthMismatchAndPrototypeErrors) {
     RangeModifier m(MakeRange({1, 2}, {0, 1}, {0xFF, 0xFF}, 0, 1, 0));
-    try {
-        vrm::common::ConcreteRangeModifierImpl<4> engine(m);
-        FAIL() << "no exception";
-    } catch (const std::out_of_range& e) {
-        EXPECT_STREQ(
-            e.what(),
-            "ConcreteRangeModifierImpl: mismatch between concrete type data size and RangeModifier size\n");
-    }
+    EXPECT_EQ(Thrown<std::out_of_range>([&] { vrm::common::ConcreteRangeModifierImpl<4> engine(m); }),
+              "ConcreteRangeModifierImpl: mismatch between concrete type data size and RangeModifier size\n");
     vrm::common::ConcreteRangeModifierImpl<2> prototype;
-    try {
-        prototype.SourceUpdate();
-        FAIL() << "no exception";
-    } catch (const std::logic_error& e) {
-        EXPECT_STREQ(e.what(), "Attempting to call SourceUpdate on ConcreteRangeModifierImpl prototype\n");
-    }
+    EXPECT_EQ(Thrown([&] { prototype.SourceUpdate(); }),
+              "Attempting to call SourceUpdate on ConcreteRangeModifierImpl prototype\n");
     Bytes value;
     EXPECT_THROW(prototype.GetValue(value), std::logic_error);
     EXPECT_NE(prototype.Clone(m), nullptr);
@@ -223,12 +215,8 @@ TEST(RangeModifier, NoGeneratorFailsLoudly) {
                                              [&] { c.modifier->GetValue(value); },
                                              [&] { c.modifier->GetValueAt(value, 3); }};
         for (const auto& op : ops) {
-            try {
-                op();
-                ADD_FAILURE() << c.label << ": no exception";
-            } catch (const std::logic_error& e) {
-                EXPECT_NE(std::string(e.what()).find(c.fragment), std::string::npos) << c.label << ": " << e.what();
-            }
+            const std::string text = Thrown(op);
+            EXPECT_NE(text.find(c.fragment), std::string::npos) << c.label << ": " << text;
         }
         EXPECT_EQ(value, Bytes{9}) << c.label;
     }
@@ -284,6 +272,7 @@ TEST(RangeModifier, MakeVfdCompatibleOnTheThreeStepPatterns) {
     const std::vector<Case> cases = {
         {{0, 0, 0, 0, 0, 0, 0, 1}, true, {5, 6, 7, 8}, {0, 0, 0, 1}, {0x55, 0x66, 0x77, 0x88}, 14},
         {{0, 0, 1, 0, 0, 0, 0, 1}, false, init, {0, 0, 1, 0, 0, 0, 0, 1}, mask, 10},
+        {{0, 0, 0, 1, 0, 0, 0, 1}, false, init, {0, 0, 0, 1, 0, 0, 0, 1}, mask, 10},  // five bytes apart
         {{0, 1, 0, 0, 0, 0, 0, 0}, true, {1, 2}, {0, 1}, {0x11, 0x22}, 10},
     };
     for (std::size_t i = 0; i < cases.size(); ++i) {
@@ -352,12 +341,8 @@ TEST(RangeModifier, GetAdjustedModifierWithRealNullAndInvalidPackers) {
     EXPECT_EQ(out.mask.data, r.mask.data);
 
     RangeModifier invalid(r);
-    try {
-        invalid.GetAdjustedModifier(out);
-        FAIL() << "no exception";
-    } catch (const std::logic_error& e) {
-        EXPECT_STREQ(e.what(), "Attempting to use modifier without setting field parameters\n");
-    }
+    EXPECT_EQ(Thrown([&] { invalid.GetAdjustedModifier(out); }),
+              "Attempting to use modifier without setting field parameters\n");
 }
 
 TEST(RangeModifier, ToRpcAppendsTheRecordAsItStands) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "Thrown.h"
 #include "common/TableModifier.h"
 
 namespace {
@@ -83,12 +84,8 @@ TEST(TableModifier, IndexedValuesEqualSequentialWithoutTotalCount) {
 }
 
 TEST(TableModifier, ConstructionFromEmptyListAndDefaults) {
-    try {
-        TableModifier m(MakeTable({}, 0));
-        FAIL() << "no exception";
-    } catch (const std::invalid_argument& e) {
-        EXPECT_STREQ(e.what(), "TableModifier::TableModifier : data array is empty\n");
-    }
+    EXPECT_EQ(Thrown<std::invalid_argument>([] { TableModifier m(MakeTable({}, 0)); }),
+              "TableModifier::TableModifier : data array is empty\n");
     TableModifier d;
     Bytes value;
     EXPECT_THROW(d.Reset(), std::logic_error);
@@ -192,12 +189,8 @@ TEST(TableModifier, GetAdjustedModifierWithRealNullAndInvalidPackers) {
     EXPECT_EQ(out.data, r.data);
 
     TableModifier invalid(r);
-    try {
-        invalid.GetAdjustedModifier(out);
-        FAIL() << "no exception";
-    } catch (const std::logic_error& e) {
-        EXPECT_STREQ(e.what(), "Attempting to use modifier without setting field parameters\n");
-    }
+    EXPECT_EQ(Thrown([&] { invalid.GetAdjustedModifier(out); }),
+              "Attempting to use modifier without setting field parameters\n");
 }
 
 TEST(TableModifier, PackingAndWriteBack) {

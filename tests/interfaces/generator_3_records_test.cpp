@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "interfaces/generator_3_bll.h"
 #include "interfaces/generator_3_bll_records.h"
 #include "platform/Tm_exception.h"
 #include "support/Loopback.h"
@@ -124,6 +125,8 @@ TEST(Generator3Records, EnumMapsMatchTheirTables) {
         {"warningCode", em_warningCode_t, {"SCHED_NORMALIZED", "SCHED_DENORMALIZED"}},
         {"custColIndex", em_custColIndex_t, {"ONE", "TWO", "THREE", "FOUR", "FIVE", "SIX", "SEVEN", "EIGHT"}},
         {"strAttrType", em_strAttrType_t, {"NONE", "PDU", "LENGTH", "RATE", "DEVICE", "RXPDU"}},
+        {"genControl", em_genControl_t, {"START", "STOP"}},
+        {"genTable", em_genTable_t, {"MIN", "PORT_STATS", "PORT_CT_STATS", "STREAM_STATS", "MAX"}},
     };
     // clang-format on
     for (const MapCase& c : cases) {
