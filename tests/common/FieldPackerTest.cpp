@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "Thrown.h"
+#include "support/Thrown.h"
 #include "common/FieldPacker.h"
 
 namespace {

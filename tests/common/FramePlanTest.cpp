@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "Thrown.h"
+#include "support/Thrown.h"
 #include "common/FramePlan.h"
 #include "common/StreamBlockModifiers.h"
 #include "interfaces/generator_3_bll_records.h"
@@ -232,22 +232,27 @@ TEST(FramePlan, EveryStartOfRunsCutByTotalCounts) {
     t.data = {modifierData_s{{0xA0}}, modifierData_s{{0xB0}}, modifierData_s{{0xC0}}};
     t.stutterCount = 1;
     t.useStream = true;
-    block.rangeModifiers = {m};
+    rangeModifier_s shortEpoch = m;  // a total count shorter than one run
+    shortEpoch.modIndex = 3;
+    shortEpoch.stutterCount = 4;
+    block.rangeModifiers = {m, shortEpoch};
     block.tableModifiers = {t};
     StreamBlockModifiers mods(block);
     mods.At(0).SetTotalCount(4);
     mods.At(1).SetTotalCount(5);
+    mods.At(2).SetTotalCount(3);
     ASSERT_TRUE(mods.Validate(nullptr));
     mods.SetFieldParams(1, 0, 8);
     mods.SetFieldParams(2, 8, 8);
-    const Bytes frameTemplate(2, 0);
+    mods.SetFieldParams(3, 16, 8);
+    const Bytes frameTemplate(3, 0);
     const FramePlan plan = mods.MakeFramePlan(frameTemplate);
     const std::vector<Bytes> expected = PerFrame(mods, frameTemplate, 0, 60);
     for (std::uint64_t first = 0; first < 40; ++first) {
-        Bytes out(2 * 20);
-        plan.Stamp(first, 20, out.data(), 2);
+        Bytes out(3 * 20);
+        plan.Stamp(first, 20, out.data(), 3);
         for (std::size_t k = 0; k < 20; ++k)
-            ASSERT_EQ(Bytes(out.begin() + 2 * k, out.begin() + 2 * k + 2), expected[first + k]) << first << "+" << k;
+            ASSERT_EQ(Bytes(out.begin() + 3 * k, out.begin() + 3 * k + 3), expected[first + k]) << first << "+" << k;
     }
 }
 

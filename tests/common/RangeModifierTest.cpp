@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "Thrown.h"
+#include "support/Thrown.h"
 #include "RangeReference.h"
 #include "common/RangeModifier.h"
 #include "common/RangeModifierImpl.h"

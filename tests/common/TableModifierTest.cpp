@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "Thrown.h"
+#include "support/Thrown.h"
 #include "common/TableModifier.h"
 
 namespace {
