@@ -35,12 +35,13 @@ TEST(DataTypeConvert, ToInt64RoundsHalfAwayFromZero) {
 TEST(DataTypeConvert, ToInt64RejectsUnrepresentableResults) {
     EXPECT_THROW(DataConvertToInt64(1.0, 0), std::invalid_argument);
     EXPECT_THROW(DataConvertToInt64(1.0e19, 1), std::out_of_range);
+    EXPECT_THROW(DataConvertToInt64(9223372036854775808.0, 1), std::out_of_range);  // 2^63
     EXPECT_THROW(DataConvertToInt64(-1.0e19, 1), std::out_of_range);
     EXPECT_THROW(DataConvertToInt64(std::nan(""), 1), std::out_of_range);
     EXPECT_THROW(DataConvertToInt64(std::numeric_limits<double>::infinity(), 1), std::out_of_range);
 }
 
-TEST(DataTypeConvert, ToDouble) {
+TEST(DataTypeConvert, ToDoubleDividesByTheScale) {
     EXPECT_DOUBLE_EQ(DataConvertToDouble(10, 4), 2.5);
     EXPECT_DOUBLE_EQ(DataConvertToDouble(0, 7), 0.0);
     EXPECT_DOUBLE_EQ(DataConvertToDouble(~0ul, 1), 18446744073709551615.0);

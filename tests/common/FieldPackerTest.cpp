@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "support/Thrown.h"
 #include "common/FieldPacker.h"
 
 namespace {
@@ -43,96 +44,26 @@ struct PackCase {
     unsigned int fieldBitLength;
 };
 
+// clang-format off
 const PackCase kPackCases[] = {
-    {"NibbleAlignedTwelveBits",
-     {4, 12, 0, 2},
-     {0x0A, 0xBC},
-     3,
-     {0xF0, 0x00, 0xFF},
-     {0x0A, 0xBC, 0x00},
-     {0x0A, 0xBC},
-     0,
-     4,
-     12},
+    {"NibbleAlignedTwelveBits", {4, 12, 0, 2}, {0x0A, 0xBC}, 3, {0xF0, 0x00, 0xFF}, {0x0A, 0xBC, 0x00}, {0x0A, 0xBC}, 0, 4, 12},
     {"FourBitsAtOffsetZero", {0, 4, 0, 1}, {0x05}, 2, {0x0F, 0xFF}, {0x50, 0x00}, {0x50}, 0, 0, 4},
     {"SingleBitAtOffsetSeven", {7, 1, 0, 1}, {0x01}, 1, {0xFE}, {0x01}, {0x01}, 0, 7, 1},
     {"ThreeBitsInsideAByte", {2, 3, 0, 1}, {0x05}, 1, {0xC7}, {0x28}, {0x28}, 0, 2, 3},
     {"ByteStraddlingTwoBytes", {3, 8, 0, 1}, {0xAB}, 2, {0xE0, 0x1F}, {0x15, 0x60}, {0x15, 0x60}, 0, 3, 8},
-    {"NarrowValueCoversLeadingBits",
-     {0, 32, 0, 2},
-     {0xAB, 0xCD},
-     4,
-     {0x00, 0x00, 0xFF, 0xFF},
-     {0xAB, 0xCD, 0x00, 0x00},
-     {0xAB, 0xCD},
-     0,
-     0,
-     16},
-    {"RelativeOffsetInsideField",
-     {8, 32, 2, 2},
-     {0x12, 0x34},
-     5,
-     {0xFF, 0xFF, 0xFF, 0x00, 0x00},
-     {0x00, 0x00, 0x00, 0x12, 0x34},
-     {0x12, 0x34},
-     3,
-     24,
-     16},
+    {"NarrowValueCoversLeadingBits", {0, 32, 0, 2}, {0xAB, 0xCD}, 4, {0x00, 0x00, 0xFF, 0xFF}, {0xAB, 0xCD, 0x00, 0x00}, {0xAB, 0xCD}, 0, 0, 16},
+    {"RelativeOffsetInsideField", {8, 32, 2, 2}, {0x12, 0x34}, 5, {0xFF, 0xFF, 0xFF, 0x00, 0x00}, {0x00, 0x00, 0x00, 0x12, 0x34}, {0x12, 0x34}, 3, 24, 16},
     {"LongValueUsedFromItsEnd", {0, 8, 0, 1}, {0x11, 0x22, 0x33}, 1, {0x00}, {0x33}, {0x33}, 0, 0, 8},
-    {"FixedValueOffsetUsesFront",
-     {0, 8, 0, 1, 0, 0, true},
-     {0x11, 0x22, 0x33},
-     1,
-     {0x00},
-     {0x11},
-     {0x11},
-     0,
-     0,
-     8},
-    {"OffsetAdjustSkipsLeadingBytes",
-     {0, 32, 0, 3, 1},
-     {0xAA, 0xBB, 0xCC, 0xDD},
-     4,
-     {0xFF, 0x00, 0x00, 0x00},
-     {0x00, 0xBB, 0xCC, 0xDD},
-     {0xBB, 0xCC, 0xDD},
-     0,
-     0,
-     32},
-    {"MaskValueSelectsBits",
-     {0, 16, 0, 2, 0, 4, false, {0x0F, 0xF0}},
-     {0xFF, 0xFF},
-     2,
-     {0xF0, 0x0F},
-     {0x0F, 0xF0},
-     {0x0F, 0xF0},
-     0,
-     0,
-     16},
-    {"MaskValueTrimmedToFirstBit",
-     {4, 12, 0, 2, 0, 4, false, {0xFF, 0xFF}},
-     {0xFF, 0xFF},
-     2,
-     {0xF0, 0x00},
-     {0x0F, 0xFF},
-     {0x0F, 0xFF},
-     0,
-     4,
-     12},
-    {"MaskOffsetWithoutMaskValue",
-     {0, 16, 0, 2, 0, 12},
-     {0xFF, 0xFF},
-     2,
-     {0xFF, 0xF0},
-     {0x00, 0x0F},
-     {0x00, 0x0F},
-     0,
-     0,
-     16},
-    // The last byte's mask is computed as last + 1 - 2^(8 - tailBits): here 0x3F + 1 - 0x80 =
-    // 0xC0, one bit more than the field's single bit in that byte.
+    {"FixedValueOffsetUsesFront", {0, 8, 0, 1, 0, 0, true}, {0x11, 0x22, 0x33}, 1, {0x00}, {0x11}, {0x11}, 0, 0, 8},
+    {"OffsetAdjustSkipsLeadingBytes", {0, 32, 0, 3, 1}, {0xAA, 0xBB, 0xCC, 0xDD}, 4, {0xFF, 0x00, 0x00, 0x00}, {0x00, 0xBB, 0xCC, 0xDD}, {0xBB, 0xCC, 0xDD}, 0, 0, 32},
+    {"MaskValueSelectsBits", {0, 16, 0, 2, 0, 4, false, {0x0F, 0xF0}}, {0xFF, 0xFF}, 2, {0xF0, 0x0F}, {0x0F, 0xF0}, {0x0F, 0xF0}, 0, 0, 16},
+    {"MaskValueTrimmedToFirstBit", {4, 12, 0, 2, 0, 4, false, {0xFF, 0xFF}}, {0xFF, 0xFF}, 2, {0xF0, 0x00}, {0x0F, 0xFF}, {0x0F, 0xFF}, 0, 4, 12},
+    {"MaskOffsetWithoutMaskValue", {0, 16, 0, 2, 0, 12}, {0xFF, 0xFF}, 2, {0xFF, 0xF0}, {0x00, 0x0F}, {0x00, 0x0F}, 0, 0, 16},
+    // The last byte's mask is last + 1 - 2^(8 - tailBits): here 0x3F + 1 - 0x80 = 0xC0, one
+    // bit more than the field's single bit in that byte.
     {"ArithmeticTailMask", {0, 9, 0, 1, 1, 9}, {0x00, 0x01}, 2, {0xFF, 0x3F}, {0x00, 0x80}, {0x80}, 0, 0, 9},
 };
+// clang-format on
 
 class PackTest : public ::testing::TestWithParam<PackCase> {};
 
@@ -171,51 +102,35 @@ struct ConstructionErrorCase {
     std::string text;
 };
 
+const std::string kBeyond = "Modifier's relative offset (";
+const std::string kBeyondEnd = ") goes beyond field boundary (field length in bits: 16\n";
+// clang-format off
 const ConstructionErrorCase kConstructionErrors[] = {
     {"ZeroBitLength", {0, 0, 0, 1}, Kind::InvalidArgument, "Field bit length is zero\n"},
     {"ZeroDataSize", {0, 8, 0, 0}, Kind::InvalidArgument, "Modifier data is zero\n"},
-    {"RelativeOffsetAtFieldEnd",
-     {0, 16, 2, 1},
-     Kind::OutOfRange,
-     "Modifier's relative offset (2) goes beyond field boundary (field length in bits: 16\n"},
-    {"RelativeOffsetPlusAdjustAtFieldEnd",
-     {0, 16, 1, 1, 1},
-     Kind::OutOfRange,
-     "Modifier's relative offset (2) goes beyond field boundary (field length in bits: 16\n"},
-    {"WrappingRelativeOffset",
-     {0, 16, 1, 1, 0xFFFFFFFFu},
-     Kind::OutOfRange,
-     "Modifier's relative offset (4294967296) goes beyond field boundary (field length in bits: 16\n"},
-    {"DataOneByteTooWide",
-     {4, 12, 1, 2},
-     Kind::OutOfRange,
-     "Modifier goes beyond field boundary: \nAbsolute bit offset: 4\nrelative byte offset: 1\noffsetAdjust: "
-     "0\ndataSize: 2\nrelative bit offset: 4\nfield bit length: 12\n"},
-    {"WrappingDataSize",
-     {0, 16, 1, 0xFFFFFFFFu},
-     Kind::OutOfRange,
-     "Modifier goes beyond field boundary: \nAbsolute bit offset: 0\nrelative byte offset: 1\noffsetAdjust: "
-     "0\ndataSize: 4294967295\nrelative bit offset: 0\nfield bit length: 16\n"},
-    {"MaskOffsetBeyondField",
-     {3, 10, 0, 2, 0, 17},
-     Kind::InvalidArgument,
-     "Mask offset adjust goes beyond field boundary: \nAbsolute bit offset: 3\nmaskOffsetAdjust in bits: "
-     "17\ndataSize: 2\nrelative bit offset: 3\n field bit length: 10\n"},
+    {"RelativeOffsetAtFieldEnd", {0, 16, 2, 1}, Kind::OutOfRange, kBeyond + "2" + kBeyondEnd},
+    {"RelativeOffsetPlusAdjustAtFieldEnd", {0, 16, 1, 1, 1}, Kind::OutOfRange, kBeyond + "2" + kBeyondEnd},
+    {"WrappingRelativeOffset", {0, 16, 1, 1, 0xFFFFFFFFu}, Kind::OutOfRange, kBeyond + "4294967296" + kBeyondEnd},
+    {"DataOneByteTooWide", {4, 12, 1, 2}, Kind::OutOfRange,
+     "Modifier goes beyond field boundary: \nAbsolute bit offset: 4\nrelative byte offset: 1\noffsetAdjust: 0\n"
+     "dataSize: 2\nrelative bit offset: 4\nfield bit length: 12\n"},
+    {"WrappingDataSize", {0, 16, 1, 0xFFFFFFFFu}, Kind::OutOfRange,
+     "Modifier goes beyond field boundary: \nAbsolute bit offset: 0\nrelative byte offset: 1\noffsetAdjust: 0\n"
+     "dataSize: 4294967295\nrelative bit offset: 0\nfield bit length: 16\n"},
+    {"MaskOffsetBeyondField", {3, 10, 0, 2, 0, 17}, Kind::InvalidArgument,
+     "Mask offset adjust goes beyond field boundary: \nAbsolute bit offset: 3\nmaskOffsetAdjust in bits: 17\n"
+     "dataSize: 2\nrelative bit offset: 3\n field bit length: 10\n"},
 };
+// clang-format on
 
 class ConstructionErrorTest : public ::testing::TestWithParam<ConstructionErrorCase> {};
 
 TEST_P(ConstructionErrorTest, ThrowsDocumentedKindAndText) {
     const ConstructionErrorCase& c = GetParam();
-    try {
-        Make(c.geometry);
-        FAIL() << "no exception";
-    } catch (const std::invalid_argument& e) {
-        EXPECT_EQ(c.kind, Kind::InvalidArgument);
-        EXPECT_EQ(std::string(e.what()), c.text);
-    } catch (const std::out_of_range& e) {
-        EXPECT_EQ(c.kind, Kind::OutOfRange);
-        EXPECT_EQ(std::string(e.what()), c.text);
+    if (c.kind == Kind::InvalidArgument) {
+        EXPECT_EQ(Thrown<std::invalid_argument>([&] { Make(c.geometry); }), c.text);
+    } else {
+        EXPECT_EQ(Thrown<std::out_of_range>([&] { Make(c.geometry); }), c.text);
     }
 }
 
@@ -251,16 +166,9 @@ TEST(FieldPacker, FrameMustHoldTheWindow) {
         const std::string text =
             "Input byte array is not large enough to accomodate modifier: " + std::to_string(c.frameSize) +
             " (array size) . Absolute offset: 3. Field size: 2.\n";
-        for (int op = 0; op < 3; ++op) {
-            try {
-                if (op == 0) packer->StuffBytes(frame, value, false);
-                if (op == 1) packer->ZeroBytes(frame);
-                if (op == 2) packer->ZeroBytes(frame, 0, 1);
-                FAIL() << "no exception for frame size " << c.frameSize;
-            } catch (const std::out_of_range& e) {
-                EXPECT_EQ(std::string(e.what()), text);
-            }
-        }
+        EXPECT_EQ(Thrown<std::out_of_range>([&] { packer->StuffBytes(frame, value, false); }), text);
+        EXPECT_EQ(Thrown<std::out_of_range>([&] { packer->ZeroBytes(frame); }), text);
+        EXPECT_EQ(Thrown<std::out_of_range>([&] { packer->ZeroBytes(frame, 0, 1); }), text);
     }
 }
 
@@ -268,12 +176,8 @@ TEST(FieldPacker, ShortValueRejectedBeforeAnyByteIsWritten) {
     auto packer = Make({0, 32, 0, 3, 1});  // needs 3 bytes after 1 skipped byte
     Bytes frame(4, 0x5A);
     Bytes value = {0xBB, 0xCC, 0xDD};
-    try {
-        packer->StuffBytes(frame, value, false);
-        FAIL() << "no exception";
-    } catch (const std::logic_error& e) {
-        EXPECT_EQ(std::string(e.what()), "Input value size (3) is less than the required value size (4).\n");
-    }
+    EXPECT_EQ(Thrown([&] { packer->StuffBytes(frame, value, false); }),
+              "Input value size (3) is less than the required value size (4).\n");
     EXPECT_EQ(frame, Bytes(4, 0x5A));
     Bytes out;
     EXPECT_THROW(packer->GetBytes(out, value, false), std::logic_error);
@@ -288,19 +192,14 @@ struct WindowCase {
 
 TEST(FieldPacker, PartialZeroBytesChecksTheWindow) {
     auto packer = Make({4, 12, 0, 2});  // window of 2 bytes, mask 0F FF
+    // The offset and size appear as raw characters.
+    const std::string size = " than the modifier value size (2).\n";
     const WindowCase cases[] = {
-        {0, 2, {0xF0, 0x00}, ""},
-        {1, 1, {0xFF, 0x00}, ""},
-        {0, 1, {0xF0, 0xFF}, ""},
-        {2, 0, {0xFF, 0xFF}, ""},
-        // The offset and size appear as raw characters.
-        {3, 0, {}, std::string("Input window offset (\x03) is over than the modifier value size (2).\n")},
-        {0, 3, {}, std::string("Input window size (\x03) is larger than the modifier value size (2).\n")},
-        {1,
-         2,
-         {},
-         std::string("Input window end point (\x02) is larger than the modifier value size (2).\n")},
-        {'A', 0, {}, "Input window offset (A) is over than the modifier value size (2).\n"},
+        {0, 2, {0xF0, 0x00}, ""}, {1, 1, {0xFF, 0x00}, ""}, {0, 1, {0xF0, 0xFF}, ""}, {2, 0, {0xFF, 0xFF}, ""},
+        {3, 0, {}, "Input window offset (\x03) is over" + size},
+        {0, 3, {}, "Input window size (\x03) is larger" + size},
+        {1, 2, {}, "Input window end point (\x02) is larger" + size},
+        {'A', 0, {}, "Input window offset (A) is over" + size},
     };
     for (const WindowCase& c : cases) {
         Bytes frame(2, 0xFF);
@@ -309,12 +208,7 @@ TEST(FieldPacker, PartialZeroBytesChecksTheWindow) {
             EXPECT_EQ(frame, c.cleared) << int(c.offset) << "," << int(c.size);
             continue;
         }
-        try {
-            packer->ZeroBytes(frame, c.offset, c.size);
-            FAIL() << "no exception for " << int(c.offset) << "," << int(c.size);
-        } catch (const std::logic_error& e) {
-            EXPECT_EQ(std::string(e.what()), c.error);
-        }
+        EXPECT_EQ(Thrown([&] { packer->ZeroBytes(frame, c.offset, c.size); }), c.error);
     }
 }
 
@@ -355,12 +249,7 @@ void ExpectFrameOperationsRefused(FieldPacker& packer, const std::string& text) 
         [&] { packer.ZeroBytes(frame); },           [&] { packer.ZeroBytes(frame, 0, 1); },
     };
     for (const auto& op : ops) {
-        try {
-            op();
-            FAIL() << "no exception";
-        } catch (const std::logic_error& e) {
-            EXPECT_EQ(std::string(e.what()), text);
-        }
+        EXPECT_EQ(Thrown(op), text);
     }
 }
 
@@ -383,12 +272,7 @@ TEST(FieldPacker, InvalidPackerRefusesEverything) {
     ExpectFrameOperationsRefused(*packer, text);
     Bytes out;
     Bytes value = {1};
-    try {
-        packer->GetBytes(out, value, false);
-        FAIL() << "no exception";
-    } catch (const std::logic_error& e) {
-        EXPECT_EQ(std::string(e.what()), text);
-    }
+    EXPECT_EQ(Thrown([&] { packer->GetBytes(out, value, false); }), text);
 }
 
 }  // namespace

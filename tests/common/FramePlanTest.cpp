@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "support/Thrown.h"
 #include "common/FramePlan.h"
 #include "common/StreamBlockModifiers.h"
 #include "interfaces/generator_3_bll_records.h"
@@ -213,6 +214,48 @@ TEST(FramePlan, FarStartsAgreeWithStampingThrough) {
     }
 }
 
+// Starting anywhere, also inside a run that a total count cuts short.
+TEST(FramePlan, EveryStartOfRunsCutByTotalCounts) {
+    streamBlock_s block;
+    rangeModifier_s m;
+    m.modIndex = 1;
+    m.offsetReference = "r";
+    m.initialValue.data = {0x10};
+    m.stepValue.data = {0x01};
+    m.mask.data = {0xFF};
+    m.recycleCount = 5;
+    m.stutterCount = 2;
+    m.useStream = true;
+    tableModifier_s t;
+    t.modIndex = 2;
+    t.offsetReference = "t";
+    t.data = {modifierData_s{{0xA0}}, modifierData_s{{0xB0}}, modifierData_s{{0xC0}}};
+    t.stutterCount = 1;
+    t.useStream = true;
+    rangeModifier_s shortEpoch = m;  // a total count shorter than one run
+    shortEpoch.modIndex = 3;
+    shortEpoch.stutterCount = 4;
+    block.rangeModifiers = {m, shortEpoch};
+    block.tableModifiers = {t};
+    StreamBlockModifiers mods(block);
+    mods.At(0).SetTotalCount(4);
+    mods.At(1).SetTotalCount(5);
+    mods.At(2).SetTotalCount(3);
+    ASSERT_TRUE(mods.Validate(nullptr));
+    mods.SetFieldParams(1, 0, 8);
+    mods.SetFieldParams(2, 8, 8);
+    mods.SetFieldParams(3, 16, 8);
+    const Bytes frameTemplate(3, 0);
+    const FramePlan plan = mods.MakeFramePlan(frameTemplate);
+    const std::vector<Bytes> expected = PerFrame(mods, frameTemplate, 0, 60);
+    for (std::uint64_t first = 0; first < 40; ++first) {
+        Bytes out(3 * 20);
+        plan.Stamp(first, 20, out.data(), 3);
+        for (std::size_t k = 0; k < 20; ++k)
+            ASSERT_EQ(Bytes(out.begin() + 3 * k, out.begin() + 3 * k + 3), expected[first + k]) << first << "+" << k;
+    }
+}
+
 TEST(FramePlan, RefusesWhatThePerFramePathRefuses) {
     streamBlock_s block;
     rangeModifier_s m;
@@ -242,12 +285,7 @@ TEST(FramePlan, RefusesWhatThePerFramePathRefuses) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         if (std::string(c.what) != "never placed") mods.SetFieldParams(1, c.bitOffset, 16);
-        try {
-            (void)mods.MakeFramePlan(Bytes(c.frameLength, 0));
-            ADD_FAILURE() << "no exception";
-        } catch (const std::exception& e) {
-            EXPECT_EQ(std::string(e.what()), c.text);
-        }
+        EXPECT_EQ(Thrown<std::exception>([&] { (void)mods.MakeFramePlan(Bytes(c.frameLength, 0)); }), c.text);
     }
     mods.SetFieldParams(1, 0, 16);
     const FramePlan plan = mods.MakeFramePlan(frame);

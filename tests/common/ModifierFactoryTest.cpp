@@ -36,11 +36,9 @@ TEST(ModifierFactory, CreateModifierByType) {
         bool table;
         bool untouched;
     };
-    const std::vector<Case> cases = {{0, true, false, false},
-                                     {1, false, true, false},
-                                     {2, false, false, true},
-                                     {-1, false, false, true},
-                                     {1000, false, false, true}};
+    const std::vector<Case> cases = {
+        {0, true, false, false}, {1, false, true, false}, {2, false, false, true}, {-1, false, false, true},
+        {1000, false, false, true}};
     for (const auto& c : cases) {
         std::unique_ptr<Modifier> owner;
         ModifierFactory::CreateRootModifier(false, owner);
@@ -89,17 +87,8 @@ TEST(RootModifier, ChildrenSetTheWholeCycle) {
     c.reset();
     EXPECT_EQ(a->GetEffectiveRecycleCount(), 4u);
     Bytes value{1, 2};
-    root->Reset();
-    root->Next();
-    root->GetValue(value);
     root->GetValueAt(value, 9);
     EXPECT_EQ(value, (Bytes{1, 2}));
-    EXPECT_EQ(root->GetDataSizeInBytes(), 0);
-    EXPECT_EQ(root->GetOffsetReference(), "");
-    EXPECT_EQ(root->GetTotalCount(), 0u);
-    Generator_3_bll::streamBlock_s block;
-    root->ToRpc(block);
-    EXPECT_TRUE(block.rangeModifiers.empty());
 }
 
 TEST(ModifierGroup, ListingRemovalAndValidation) {

@@ -14,7 +14,7 @@
 #include "common/FieldPacker.h"
 #include "common/GenericRangeModifier.h"
 #include "common/FramePlan.h"
-#include "common/Modifier.h"
+#include "common/RangeModifier.h"
 #include "common/StreamBlockModifiers.h"
 #include "interfaces/generator_3_bll_records.h"
 
@@ -49,7 +49,6 @@ void operator delete[](void* p, const std::nothrow_t&) noexcept { g_release(p); 
 namespace {
 
 using vrm::common::FieldPacker;
-using vrm::common::Modifier;
 using Bytes = std::vector<unsigned char>;
 
 template <class F>
@@ -60,31 +59,6 @@ int AllocationsOf(F&& f) {
     g_counting = false;
     return g_allocations;
 }
-
-class CountingModifier : public Modifier {
-  public:
-    bool Validate(std::ostringstream*) override { return true; }
-    void ToRpc(Generator_3_bll::streamBlock_s&) override {}
-    bool IsStreamModifier() const override { return true; }
-    void SetEnableStream(bool) override {}
-    void SetStutterCount(unsigned int) override {}
-    unsigned int GetStutterCount() const override { return 0; }
-    void SetTotalCount(unsigned int) override {}
-    unsigned int GetTotalCount() const override { return 0; }
-    unsigned int GetRelativeOffset() const override { return 0; }
-    std::string GetOffsetReference() const override { return {}; }
-    unsigned char GetDataSizeInBytes() const override { return 4; }
-    void Reset() override { m_counter = 0; }
-    void Next() override { ++m_counter; }
-    void GetValue(Bytes& value) override { GetValueAt(value, m_counter); }
-    void GetValueAt(Bytes& value, unsigned int index) override {
-        value.resize(4);
-        for (int i = 0; i < 4; ++i) value[i] = static_cast<unsigned char>(index >> (24 - 8 * i));
-    }
-
-  private:
-    unsigned int m_counter = 0;
-};
 
 TEST(NoAllocation, PackerOperations) {
     for (unsigned int offset : {96u, 99u}) {
@@ -107,7 +81,13 @@ TEST(NoAllocation, PackerOperations) {
 }
 
 TEST(NoAllocation, ModifierFrameOperations) {
-    CountingModifier m;
+    Generator_3_bll::rangeModifier_s r;
+    r.initialValue.data = {0, 0, 0, 1};
+    r.stepValue.data = {0, 0, 0, 1};
+    r.mask.data = {0xFF, 0xFF, 0xFF, 0xFF};
+    r.recycleCount = 1000;
+    r.useStream = true;
+    vrm::common::RangeModifier m(r);
     m.SetFieldParams(99, 32);
     Bytes frame(128, 0);
     m.ModifyBytes(frame, false);  // the value buffer gets its size

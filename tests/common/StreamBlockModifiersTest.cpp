@@ -123,75 +123,26 @@ TEST(StreamBlockModifiers, NarrowedModifierWritesItsNarrowedForm) {
     EXPECT_EQ(out.rangeModifiers[0].offset, 4);
 }
 
-struct LinkCase {
-    const char* label;
-    std::vector<modLinkDesc_s> links;
-    std::string text;
-};
-
+// Every link problem's text is pinned by BulkLinkingEqualsLinkingOneByOne; here a block
+// with problems still makes frames from its valid links.
 TEST(StreamBlockModifiers, LinkProblemsAreValidationFailures) {
-    const std::vector<LinkCase> cases = {
-        {"unknown parent", {{7, {1}}}, "Modifier link from modIndex 7 refers to an unknown modIndex.\n"},
-        {"unknown child",
-         {{1, {2, 8}}},
-         "Modifier link from modIndex 1 to modIndex 8 refers to an unknown modIndex.\n"},
-        {"self", {{2, {2}}}, "Modifier link from modIndex 2 to modIndex 2 links a modifier to itself.\n"},
-        {"two-step cycle",
-         {{1, {2}}, {2, {1}}},
-         "Modifier link from modIndex 2 to modIndex 1 would make a cycle.\n"},
-        {"three-step cycle",
-         {{1, {2}}, {2, {3}}, {3, {1}}},
-         "Modifier link from modIndex 3 to modIndex 1 would make a cycle.\n"},
-        {"listed twice", {{1, {2, 2}}}, "Modifier link from modIndex 1 to modIndex 2 is listed twice.\n"},
-        {"stream mix",
-         {{1, {4}}},
-         "Modifier link from modIndex 1 to modIndex 4 joins stream and non-stream modifiers.\n"
-         "Modifier m1 (modIndex 1) cannot be hung under the root: stream and non-stream modifiers are mixed "
-         "at "
-         "the top.\n"
-         "Modifier m2 (modIndex 2) cannot be hung under the root: stream and non-stream modifiers are mixed "
-         "at "
-         "the top.\n"
-         "Modifier m3 (modIndex 3) cannot be hung under the root: stream and non-stream modifiers are mixed "
-         "at "
-         "the top.\n"},
-    };
-    for (const auto& c : cases) {
+    const std::vector<std::vector<modLinkDesc_s>> cases = {
+        {{7, {1}}}, {{1, {2, 8}}}, {{2, {2}}}, {{1, {2}}, {2, {3}}, {3, {1}}}, {{1, {2, 2}}}, {{1, {4}}}};
+    for (const auto& links : cases) {
         streamBlock_s block;
         block.rangeModifiers = {Range(1, 0, 2), Range(2, 1, 3), Range(3, 2, 4)};
-        if (std::string(c.label) == "stream mix") block.rangeModifiers.push_back(Range(4, 3, 5, false));
-        block.modLinks = c.links;
+        if (links.front().childModIndex.front() == 4) block.rangeModifiers.push_back(Range(4, 3, 5, false));
+        block.modLinks = links;
         StreamBlockModifiers mods(block);
         std::ostringstream errors;
-        EXPECT_FALSE(mods.Validate(&errors)) << c.label;
-        EXPECT_EQ(errors.str(), c.text) << c.label;
-        EXPECT_FALSE(mods.Validate(nullptr)) << c.label;
-        // The valid links stay usable: frames can still be made.
+        EXPECT_FALSE(mods.Validate(&errors)) << errors.str();
+        EXPECT_FALSE(mods.Validate(nullptr));
         mods.SetFieldParamsFromFrameStart(8);
         mods.Reset();
         Bytes frame(8, 0);
         mods.ModifyBytes(frame);
         mods.Next();
     }
-}
-
-TEST(StreamBlockModifiers, TwoParentsAndDuplicateIndexes) {
-    streamBlock_s block;
-    block.rangeModifiers = {Range(1, 0, 2), Range(2, 1, 3), Range(3, 2, 5)};
-    block.modLinks = {{1, {3}}, {2, {3}}};
-    StreamBlockModifiers shared(block);
-    std::ostringstream errors;
-    EXPECT_TRUE(shared.Validate(&errors)) << errors.str();
-    EXPECT_EQ(shared.Find(1)->GetEffectiveRecycleCount(), 10u);
-    EXPECT_EQ(shared.Find(2)->GetEffectiveRecycleCount(), 15u);
-    EXPECT_EQ(shared.Root().GetEffectiveRecycleCount(), 30u);
-
-    block.rangeModifiers.push_back(Range(2, 3, 7));
-    block.modLinks.clear();
-    StreamBlockModifiers duplicate(block);
-    errors.str("");
-    EXPECT_FALSE(duplicate.Validate(&errors));
-    EXPECT_EQ(errors.str(), "Modifier modIndex 2 is used by more than one modifier.\n");
 }
 
 TEST(StreamBlockModifiers, ModifierFailuresAreAllReported) {

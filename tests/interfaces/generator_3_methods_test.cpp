@@ -2,12 +2,10 @@
 // loopback far side that reads and answers every request over the wire codec.
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <functional>
 #include <map>
 #include <set>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "interfaces/generator_3_bll.h"
@@ -143,12 +141,6 @@ const Expected kNotifications[] = {
 };
 // clang-format on
 
-std::string text(const ts::Layout& layout) {
-    std::string s;
-    for (const auto& m : layout) s += (s.empty() ? "" : " ") + m.first + ":" + tmv_name(m.second);
-    return s;
-}
-
 template <std::size_t N>
 std::map<std::string, const Expected*> by_name(const Expected (&table)[N]) {
     std::map<std::string, const Expected*> out;
@@ -189,11 +181,11 @@ TEST(Generator3Methods, RequestsAndResponsesHaveTheDocumentedMembers) {
         Message far;
         tmsg::decode(tmsg::encode(client), far);
         EXPECT_EQ(far.get_request_name(), std::string("Generator_3.") + desc.name);
-        EXPECT_EQ(text(ts::layout(far, TMG_RECV)), it->second->request);
+        EXPECT_EQ(ts::text(ts::layout(far, TMG_RECV)), it->second->request);
 
         Message answer;
         far_side_sends(desc, TMT_RESPONSE, desc.response, 5, answer);
-        EXPECT_EQ(text(ts::layout(answer, TMG_RECV)), it->second->response);
+        EXPECT_EQ(ts::text(ts::layout(answer, TMG_RECV)), it->second->response);
     });
     EXPECT_EQ(seen.size(), std::size(kMethods));
 }
@@ -209,7 +201,7 @@ TEST(Generator3Methods, NotificationsHaveTheDocumentedMembers) {
         seen.insert(desc.name);
         Message received;
         far_side_sends(desc, TMT_REQUEST, desc.request, 5, received);
-        EXPECT_EQ(text(ts::layout(received, TMG_RECV)), it->second->request);
+        EXPECT_EQ(ts::text(ts::layout(received, TMG_RECV)), it->second->request);
     });
     EXPECT_EQ(seen.size(), std::size(kNotifications));
 }
@@ -299,31 +291,16 @@ TEST(Generator3Methods, EmptyVectorArgumentIsSentAsEmptyArray) {
     }
 }
 
-// With copy false the request views the caller's vector until it is sent; with copy true it
-// holds its own copy.
+// With copy false the request views the caller's vector until it is sent.
 TEST(Generator3Methods, CopyFlagChoosesBetweenViewAndCopy) {
     for (bool copy : {false, true}) {
-        SCOPED_TRACE(copy ? "copy" : "view");
         std::vector<uint32_t> blockIds{10, 20, 30};
         Message client;
         create_req_DelStreamBlockArray(&client, blockIds, copy);
+        const auto before = tmsg::encode(client);
         blockIds[1] = 99;
-        Message far;
-        tmsg::decode(tmsg::encode(client), far);
-        std::vector<uint32_t> sent;
-        binding::read(&far.get_group(TMG_RECV), "blockIds", sent, binding::Natural{});
-        EXPECT_EQ(sent, (copy ? std::vector<uint32_t>{10, 20, 30} : std::vector<uint32_t>{10, 99, 30}));
+        EXPECT_EQ(tmsg::encode(client) != before, !copy) << copy;
     }
-}
-
-// Enum arguments travel as their names.
-TEST(Generator3Methods, EnumArgumentsTravelAsNames) {
-    Message control;
-    create_req_ControlRange(&control, genControl_t::STOP, 4, 2, true);
-    EXPECT_EQ(control.get_member_string(TMG_SEND, "action"), "STOP");
-    Message period;
-    create_req_SetRealTimeAndRateEnabledUpdatePeriod(&period, genTable_t::STREAM_STATS, 250, true);
-    EXPECT_EQ(period.get_member_string(TMG_SEND, "table"), "STREAM_STATS");
 }
 
 }  // namespace

@@ -4,53 +4,11 @@
 // message, the wire codec carries it to a fresh far-side message, the far side reads every
 // request member back (by the method's description) and answers with a response built by
 // the shared engine, the codec carries the answer back and the module's public parser reads
-// it. Every member read on either side must equal what was sent.
-//
-// Use, in a module's test (catalogue entries are binding::entry(desc, &create_req_X,
-// &parse_resp_X); a binding::Delegated entry is answered with its inner description):
-//
-//     #include "support/Loopback.h"
-//
-//     // The whole catalogue, arguments and results generated from the member types by
-//     // testing_support::Filler, with the copy flag both true and false. The second
-//     // argument is the request-name prefix: the expected name is prefix + method name, or
-//     // the empty name when the prefix is empty (modules whose builders leave it unset).
-//     TEST(Module, EveryMethodLoopsBack) {
-//         testing_support::check_catalogue(Module_bll::catalogue, "Generator_3.");
-//     }
-//     // Notifications (entries binding::entry(desc, &parse_req_N, &create_resp_N)): the far
-//     // side sends the request, the public parser reads it, the public answer is an empty
-//     // response.
-//     TEST(Module, EveryNotificationLoopsBack) {
-//         testing_support::check_notifications(Module_bll::notifications);
-//     }
-//
-//     // One method with chosen values (argument and result tuples in member order):
-//     testing_support::loop_method(std::get<3>(Module_bll::catalogue), "Generator_3.GetX",
-//                                  /*copy=*/true, std::make_tuple(uint32_t{7}),
-//                                  std::make_tuple(std::vector<x_s>{...}));
-//
-//     // One notification with chosen values:
-//     testing_support::loop_notification(std::get<0>(Module_bll::notifications), false,
-//                                         std::make_tuple(uint32_t{3}, data));
-//     // A builder run with generated arguments on a prepared message (returns its result):
-//     testing_support::build_generated(entry, &msg, /*copy=*/true, /*seed=*/3);
-//
-//     // The layout of a built message: (name, kind) of each send-group member, in order.
-//     EXPECT_EQ(testing_support::layout(msg), (testing_support::Layout{{"id", TMV_UINT32}}));
-//
-//     // A far side's message built by hand (e.g. a response of the wrong kind, or bytes to
-//     // tamper with before they are received):
-//     Message in = testing_support::received(Module_bll::methods::GetX.response, TMT_REQUEST, xs);
-//     auto bytes = testing_support::far_bytes(Module_bll::methods::GetX.response, TMT_RESPONSE, xs);
-//     testing_support::replace_text(bytes, "L2_RATE", "L2_RATX");
-//
-//     // Records through their public converters and the wire (copy flag true and false):
-//     testing_support::check_records<a_s, b_s, c_t>();
-//
-// Parsers whose outputs are pointers (`std::vector<x_s>* out`) and references are both
-// handled. Failures are reported through GoogleTest assertions, with a trace naming the
-// method.
+// it. Every member read on either side must equal what was sent. Catalogue entries are
+// binding::entry(desc, &create_req_X, &parse_resp_X); notification entries are
+// binding::entry(desc, &parse_req_N, &create_resp_N). Records go through their public
+// converters and the wire (loop_record, check_records). Failures are reported through
+// GoogleTest assertions, with a trace naming the method.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -286,45 +244,60 @@ void loop_notification(const binding::Entry<D, ParseReq, CreateResp>& e, bool co
 
 // --- records ---------------------------------------------------------------------------
 
-// A record through its public converters and the wire: to_struct into a message, encode,
-// decode on a fresh message, from_struct; the result must equal the original.
+// A record converted by its public converter into the send group of a fresh message, as
+// the member "record".
 template <class R>
-void loop_record(const R& original, bool copy) {
-    Message sender;
-    Tm_value* value = nullptr;
-    if constexpr (decltype(binding::description<R>())::is_choice) {
-        auto* s = new Tm_struct();
-        EXPECT_EQ(binding_to_struct(s, &original, copy, sender.get_send_member_string(TMG_SEND)), s);
-        value = s;
-    } else {
-        auto* s = new Tm_prenamed_struct();
-        EXPECT_EQ(binding_to_struct(s, &original, copy, sender.get_send_member_string(TMG_SEND)), s);
-        value = s;
-    }
-    sender.add_member_and_own(TMG_SEND, "record", value);
-    sender.create_send_member_string_meta();
+Message holding(const R& rec, bool copy) {
+    using S = std::conditional_t<decltype(binding::description<R>())::is_choice, Tm_struct, Tm_prenamed_struct>;
+    Message m;
+    auto* s = new S();
+    EXPECT_EQ(binding_to_struct(s, &rec, copy, m.get_send_member_string(TMG_SEND)), s);
+    m.add_member_and_own(TMG_SEND, "record", s);
+    m.create_send_member_string_meta();
+    return m;
+}
+
+// The record after the wire: holding, encode, decode on a fresh message, from_struct.
+template <class R>
+R through_wire(const R& rec, bool copy) {
     Message receiver;
-    detail::carry(sender, receiver);
+    detail::carry(holding(rec, copy), receiver);
     R back{};
     binding_from_struct(receiver.get_member_struct(TMG_RECV, "record"), &back);
-    EXPECT_TRUE(back == original) << (copy ? "copy" : "view");
+    return back;
 }
 
-// `rounds` generated records of type R, copy flag true and false.
+// "name:kind name:kind ..." of a layout.
+inline std::string text(const Layout& layout) {
+    std::string s;
+    for (const auto& m : layout) s += (s.empty() ? "" : " ") + m.first + ":" + tmv_name(m.second);
+    return s;
+}
+
+// The text of a record's layout as the far side decodes it.
 template <class R>
-void check_record(uint32_t seed = 1, int rounds = 8) {
-    for (int r = 0; r < rounds; ++r) {
-        Filler filler(seed + static_cast<uint32_t>(r));
-        R original{};
-        filler.fill(original);
-        for (bool copy : {true, false}) loop_record(original, copy);
-    }
+std::string wire_layout(const R& rec) {
+    Message receiver;
+    detail::carry(holding(rec, true), receiver);
+    return text(layout(*receiver.get_member_struct(TMG_RECV, "record")));
 }
 
-// check_record for each of several record types.
+template <class R>
+void loop_record(const R& original, bool copy) {
+    EXPECT_TRUE(through_wire(original, copy) == original) << (copy ? "copy" : "view");
+}
+
+// `rounds` generated records of each type R, copy flag true and false.
 template <class... R>
 void check_records(uint32_t seed = 1, int rounds = 8) {
-    (check_record<R>(seed, rounds), ...);
+    for (int r = 0; r < rounds; ++r) {
+        Filler filler(seed + static_cast<uint32_t>(r));
+        auto one = [&](auto original) {
+            filler.fill(original);
+            for (bool copy : {true, false}) loop_record(original, copy);
+        };
+        (one(R{}), ...);
+    }
 }
 
 // Runs the public builder of `e` on `m` with generated arguments; returns its result.
