@@ -9,7 +9,8 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 packages=(build-essential cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
-          nlohmann-json3-dev libcli11-dev libpcap-dev clang libclang-rt-dev tshark)
+          nlohmann-json3-dev libcli11-dev libpcap-dev clang libclang-rt-dev tshark
+          python3-dev pybind11-dev)
 
 install_missing() {
     local missing=()
