@@ -212,7 +212,7 @@ class Errors(unittest.TestCase):
                                                                vrm.request("Generator_3", "GetRunState")),
              vrm.MessageError, "type mismatch"),
             ("member of another kind", lambda: vrm.parse_response("Generator_3", "GetRunState", response),
-             vrm.MessageError, ""),
+             vrm.MessageError, "no member named 'isRunning'"),
         ]
         for name, call, kind, text in cases:
             with self.subTest(case=name):
