@@ -20,6 +20,13 @@
 #include "tools/streamgen/Engine.h"
 #include "tools/streamgen/PcapOut.h"
 
+// streamgen's driver makes the plan and its pcap writer recomputes checksums where its core
+// has them; until then the plan is made here from the driver's own setup.
+#if __has_include("tools/streamgen/Checksums.h")
+#include "tools/streamgen/Checksums.h"
+#define VRM_PY_DRIVER_PLANS 1
+#endif
+
 namespace vrmpy {
 
 namespace {
@@ -42,10 +49,9 @@ struct Block {
     }
 };
 
-// The library's modifiers of the block as streamgen's driver sets them up (host total
-// counts, validation), placed on their fields when `place` is true. The driver has checked
-// the places already, so that a bad one is refused with the path of its host entry.
-std::unique_ptr<StreamBlockModifiers> library_modifiers(const BlockInput& in, bool place) {
+// The library's modifiers of the block as streamgen's driver sets them up: host total counts,
+// then validation.
+std::unique_ptr<StreamBlockModifiers> library_modifiers(const BlockInput& in) {
     auto lib = std::make_unique<StreamBlockModifiers>(in.block);
     for (const auto& [modIndex, h] : in.host) {
         if (h.totalCount) {
@@ -53,16 +59,6 @@ std::unique_ptr<StreamBlockModifiers> library_modifiers(const BlockInput& in, bo
         }
     }
     lib->Validate(nullptr);
-    if (!place) return lib;
-    for (std::size_t k = 0; k < lib->Size(); ++k) {
-        const unsigned int modIndex = lib->At(k).GetModIndex();
-        const auto h = in.host.find(modIndex);
-        if (h != in.host.end() && h->second.place) {
-            lib->SetFieldParams(modIndex, h->second.place->bitOffset, h->second.place->bitLength);
-        } else {
-            lib->SetFieldParams(modIndex, 0, static_cast<unsigned int>(in.frame.size() * 8u));
-        }
-    }
     return lib;
 }
 
@@ -74,7 +70,23 @@ Plan make_plan(const Block& b) {
     b.require_valid();
     if (b.in.frame.empty()) throw streamgen::InputError("baseStream.frame.data", "the frame template is empty");
     b.mods->PlaceFields(b.in);
-    return Plan{library_modifiers(b.in, true)->MakeFramePlan(b.in.frame)};
+#ifdef VRM_PY_DRIVER_PLANS
+    return Plan{b.mods->MakePlan(b.in)};
+#else
+    // The driver has placed every modifier (refusing a bad place with the path of its host
+    // entry); the same places on the library's modifiers, then their plan.
+    auto lib = library_modifiers(b.in);
+    for (std::size_t k = 0; k < lib->Size(); ++k) {
+        const unsigned int modIndex = lib->At(k).GetModIndex();
+        const auto h = b.in.host.find(modIndex);
+        if (h != b.in.host.end() && h->second.place) {
+            lib->SetFieldParams(modIndex, h->second.place->bitOffset, h->second.place->bitLength);
+        } else {
+            lib->SetFieldParams(modIndex, 0, static_cast<unsigned int>(b.in.frame.size() * 8u));
+        }
+    }
+    return Plan{lib->MakeFramePlan(b.in.frame)};
+#endif
 }
 
 std::uint64_t frame_index(const py::int_& i) {
@@ -103,7 +115,8 @@ class WritableBuffer {
 };
 
 std::size_t bytes_for(std::size_t count, std::size_t length) {
-    if (length != 0 && count > std::numeric_limits<std::size_t>::max() / length)
+    constexpr auto kMax = static_cast<std::size_t>(PY_SSIZE_T_MAX);
+    if (length != 0 && count > kMax / length)
         throw std::invalid_argument(std::to_string(count) + " frames do not fit in memory");
     return count * length;
 }
@@ -156,6 +169,7 @@ double stamp_native(const Plan& p, const py::int_& firstIndex, std::uint64_t cou
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
 }
 
+#ifndef VRM_PY_DRIVER_PLANS
 // Consecutive frames of a plan, stamped a batch at a time.
 class PlanProducer final : public streamgen::FrameProducer {
   public:
@@ -181,19 +195,34 @@ class PlanProducer final : public streamgen::FrameProducer {
     std::vector<uint8_t> m_frame;
     std::size_t m_used = kBatch;
 };
+#endif
 
 py::dict write_pcap(const Block& b, const std::string& path, const py::object& countArg, unsigned threads,
                     bool checksums) {
     if (threads < 1 || threads > 256) throw std::invalid_argument("threads: expected 1 to 256");
-    static_cast<void>(checksums);
     std::uint64_t count = 16;
     if (!countArg.is_none()) {
+        if (!PyLong_Check(countArg.ptr())) throw py::type_error("count: expected an int or None");
         count = frame_index(countArg.cast<py::int_>());
     } else if (b.in.frames) {
         count = *b.in.frames;
     }
     const Plan p = make_plan(b);
     streamgen::PcapSummary s;
+#ifdef VRM_PY_DRIVER_PLANS
+    streamgen::FrameChecksums sums(b.in.frame);
+    sums.SetChangingBits(b.mods->WrittenBits(b.in));
+    streamgen::PcapOptions options;
+    options.threads = threads;
+    options.checksums = checksums ? &sums : nullptr;
+    const streamgen::FrameStamp stamp = [&p](std::uint64_t first, std::size_t n, unsigned char* at,
+                                             std::size_t stride) { p.plan.Stamp(first, n, at, stride); };
+    {
+        py::gil_scoped_release release;
+        s = streamgen::write_pcap(path, count, p.plan.FrameLength(), stamp, options);
+    }
+#else
+    static_cast<void>(checksums);  // this streamgen core writes the frames as stamped
     {
         py::gil_scoped_release release;
         streamgen::ProducerFactory make = [&p](std::uint64_t first) {
@@ -201,6 +230,7 @@ py::dict write_pcap(const Block& b, const std::string& path, const py::object& c
         };
         s = streamgen::write_pcap(path, count, threads, p.plan.FrameLength(), make, [](std::uint64_t) {});
     }
+#endif
     py::dict d;
     d["frames"] = s.frames;
     d["bytes"] = s.bytes;
@@ -268,19 +298,10 @@ py::dict values(Block& b, const py::int_& index) {
     return out;
 }
 
+// Where a modifier goes, as the block declares it: the host's field (by name or bit range),
+// else the record's offsetReference; offset is the byte offset inside the field.
 py::list modifiers(const Block& b) {
-    std::unique_ptr<StreamBlockModifiers> lib;
-    bool placed = false;
-    if (b.mods->Valid() && !b.in.frame.empty()) {
-        try {
-            b.mods->PlaceFields(b.in);
-            lib = library_modifiers(b.in, true);
-            placed = true;
-        } catch (const std::exception&) {
-            // Not placeable: listed without places; plan() says why.
-        }
-    }
-    if (!lib) lib = library_modifiers(b.in, false);
+    const auto lib = library_modifiers(b.in);
     py::list out;
     for (std::size_t k = 0; k < lib->Size(); ++k) {
         const vrm::common::Modifier& m = lib->At(k);
@@ -294,10 +315,17 @@ py::list modifiers(const Block& b) {
         }
         d["width"] = static_cast<unsigned int>(m.GetDataSizeInBytes());
         const auto h = b.in.host.find(m.GetModIndex());
-        d["field"] = h != b.in.host.end() && !h->second.fieldName.empty() ? py::object(py::str(h->second.fieldName))
-                                                                          : py::object(py::none());
-        d["bitOffset"] = placed ? py::object(py::int_(m.GetAbsoluteBitOffset())) : py::object(py::none());
-        d["bitLength"] = placed ? py::object(py::int_(m.GetBitLength())) : py::object(py::none());
+        const bool hostPlace = h != b.in.host.end() && h->second.place;
+        if (hostPlace && !h->second.fieldName.empty()) {
+            d["field"] = text(h->second.fieldName);
+        } else if (hostPlace) {
+            d["field"] = py::none();
+        } else {
+            d["field"] = text(m.GetOffsetReference());
+        }
+        d["bitOffset"] = hostPlace ? py::object(py::int_(h->second.place->bitOffset)) : py::object(py::none());
+        d["bitLength"] = hostPlace ? py::object(py::int_(h->second.place->bitLength)) : py::object(py::none());
+        d["offset"] = m.GetRelativeOffset();
         out.append(std::move(d));
     }
     return out;
@@ -346,9 +374,10 @@ void bind_blocks(py::module_& m) {
              "Raises ValueError for an invalid block, IndexError for an index out of range.")
         .def_property_readonly("modifiers", &modifiers,
                                "The modifiers in modIndex order: dicts of modIndex, mode (INCREMENT,\n"
-                               "DECREMENT, RANDOM, SHUFFLE or TABLE), width (bytes), field (the host's\n"
-                               "field name or None) and the placement in the frame, bitOffset and\n"
-                               "bitLength (None while the block cannot be placed).")
+                               "DECREMENT, RANDOM, SHUFFLE or TABLE), width (bytes) and the place the\n"
+                               "block gives: field (the host's field name, else the record's\n"
+                               "offsetReference), bitOffset and bitLength (the host's bit range, else\n"
+                               "None) and offset (bytes into the field).")
         .def_property_readonly(
             "frame_template", [](const Block& b) { return bytes_of(b.in.frame.data(), b.in.frame.size()); },
             "The template frame's bytes.")

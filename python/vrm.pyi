@@ -15,9 +15,10 @@ class ModifierInfo(TypedDict):
     modIndex: int
     mode: str  # INCREMENT, DECREMENT, RANDOM, SHUFFLE or TABLE
     width: int  # bytes
-    field: Optional[str]  # the host's field name
-    bitOffset: Optional[int]  # placement in the frame; None while the block cannot be placed
+    field: Optional[str]  # the host's field name, else the record's offsetReference
+    bitOffset: Optional[int]  # the host's bit range in the frame, else None
     bitLength: Optional[int]
+    offset: int  # bytes into the field
 
 class PcapSummary(TypedDict):
     frames: int
