@@ -256,7 +256,10 @@ std::shared_ptr<Block> from_json(const py::object& source) {
             } catch (const streamgen::InputError&) {
                 throw;
             } catch (const std::runtime_error& e) {
-                PyErr_SetString(PyExc_OSError, e.what());
+                // "<file>: <reason>", whether or not the reader names the file itself.
+                const std::string what = e.what();
+                const std::string message = what.rfind(s + ":", 0) == 0 ? what : s + ": " + what;
+                PyErr_SetString(PyExc_OSError, message.c_str());
                 throw py::error_already_set();
             }
         }
