@@ -3,7 +3,7 @@
 C++ alone, on the same plan, in the same run.
 
     PYTHONPATH=build/default/python /usr/bin/python3 bench/python_stamp.py [block.json] \\
-        [--frames 10000000] [--chunk 65536] [--repeat 3]
+        [--frames 10000000] [--chunk 65536] [--repeat 9]
 
 Both sides stamp the frames in chunks into one reused buffer (a bytearray for Python), so the
 ratio is the cost of the calls from Python; the best of --repeat runs is kept on each side.
@@ -22,7 +22,7 @@ def main():
     parser.add_argument("block", nargs="?", default=os.path.join(here, "..", "examples", "ipv4-udp.json"))
     parser.add_argument("--frames", type=int, default=10_000_000)
     parser.add_argument("--chunk", type=int, default=65536)
-    parser.add_argument("--repeat", type=int, default=3)
+    parser.add_argument("--repeat", type=int, default=9)
     args = parser.parse_args()
 
     plan = vrm.Block.from_json(args.block).plan()

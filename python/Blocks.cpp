@@ -18,14 +18,8 @@
 #include "python/Convert.h"
 #include "tools/streamgen/BlockFile.h"
 #include "tools/streamgen/Engine.h"
-#include "tools/streamgen/PcapOut.h"
-
-// streamgen's driver makes the plan and its pcap writer recomputes checksums where its core
-// has them; until then the plan is made here from the driver's own setup.
-#if __has_include("tools/streamgen/Checksums.h")
 #include "tools/streamgen/Checksums.h"
-#define VRM_PY_DRIVER_PLANS 1
-#endif
+#include "tools/streamgen/PcapOut.h"
 
 namespace vrmpy {
 
@@ -49,8 +43,8 @@ struct Block {
     }
 };
 
-// The library's modifiers of the block as streamgen's driver sets them up: host total counts,
-// then validation.
+// The library's modifiers of the block as streamgen's driver sets them up (host total counts,
+// then validation), for what the driver does not tell: each modifier's mode and width.
 std::unique_ptr<StreamBlockModifiers> library_modifiers(const BlockInput& in) {
     auto lib = std::make_unique<StreamBlockModifiers>(in.block);
     for (const auto& [modIndex, h] : in.host) {
@@ -70,23 +64,7 @@ Plan make_plan(const Block& b) {
     b.require_valid();
     if (b.in.frame.empty()) throw streamgen::InputError("baseStream.frame.data", "the frame template is empty");
     b.mods->PlaceFields(b.in);
-#ifdef VRM_PY_DRIVER_PLANS
     return Plan{b.mods->MakePlan(b.in)};
-#else
-    // The driver has placed every modifier (refusing a bad place with the path of its host
-    // entry); the same places on the library's modifiers, then their plan.
-    auto lib = library_modifiers(b.in);
-    for (std::size_t k = 0; k < lib->Size(); ++k) {
-        const unsigned int modIndex = lib->At(k).GetModIndex();
-        const auto h = b.in.host.find(modIndex);
-        if (h != b.in.host.end() && h->second.place) {
-            lib->SetFieldParams(modIndex, h->second.place->bitOffset, h->second.place->bitLength);
-        } else {
-            lib->SetFieldParams(modIndex, 0, static_cast<unsigned int>(b.in.frame.size() * 8u));
-        }
-    }
-    return Plan{lib->MakeFramePlan(b.in.frame)};
-#endif
 }
 
 std::uint64_t frame_index(const py::int_& i) {
@@ -169,34 +147,6 @@ double stamp_native(const Plan& p, const py::int_& firstIndex, std::uint64_t cou
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
 }
 
-#ifndef VRM_PY_DRIVER_PLANS
-// Consecutive frames of a plan, stamped a batch at a time.
-class PlanProducer final : public streamgen::FrameProducer {
-  public:
-    PlanProducer(const FramePlan& plan, std::uint64_t first)
-        : m_plan(plan), m_next(first), m_batch(kBatch * plan.FrameLength()), m_frame(plan.FrameLength()) {}
-    const std::vector<uint8_t>& Next() override {
-        if (m_used == kBatch) {
-            m_plan.Stamp(m_next, kBatch, m_batch.data(), m_plan.FrameLength());
-            m_next += kBatch;
-            m_used = 0;
-        }
-        const auto* f = m_batch.data() + m_used * m_plan.FrameLength();
-        std::copy(f, f + m_plan.FrameLength(), m_frame.begin());
-        ++m_used;
-        return m_frame;
-    }
-
-  private:
-    static constexpr std::size_t kBatch = 256;
-    const FramePlan& m_plan;
-    std::uint64_t m_next;
-    std::vector<uint8_t> m_batch;
-    std::vector<uint8_t> m_frame;
-    std::size_t m_used = kBatch;
-};
-#endif
-
 py::dict write_pcap(const Block& b, const std::string& path, const py::object& countArg, unsigned threads,
                     bool checksums) {
     if (threads < 1 || threads > 256) throw std::invalid_argument("threads: expected 1 to 256");
@@ -209,7 +159,6 @@ py::dict write_pcap(const Block& b, const std::string& path, const py::object& c
     }
     const Plan p = make_plan(b);
     streamgen::PcapSummary s;
-#ifdef VRM_PY_DRIVER_PLANS
     streamgen::FrameChecksums sums(b.in.frame);
     sums.SetChangingBits(b.mods->WrittenBits(b.in));
     streamgen::PcapOptions options;
@@ -221,16 +170,6 @@ py::dict write_pcap(const Block& b, const std::string& path, const py::object& c
         py::gil_scoped_release release;
         s = streamgen::write_pcap(path, count, p.plan.FrameLength(), stamp, options);
     }
-#else
-    static_cast<void>(checksums);  // this streamgen core writes the frames as stamped
-    {
-        py::gil_scoped_release release;
-        streamgen::ProducerFactory make = [&p](std::uint64_t first) {
-            return std::make_unique<PlanProducer>(p.plan, first);
-        };
-        s = streamgen::write_pcap(path, count, threads, p.plan.FrameLength(), make, [](std::uint64_t) {});
-    }
-#endif
     py::dict d;
     d["frames"] = s.frames;
     d["bytes"] = s.bytes;
