@@ -1,0 +1,234 @@
+"""The Python module vrm through its public interface, checked against streamgen.
+
+Run by ctest with PYTHONPATH at the built module, VRM_STREAMGEN the streamgen binary and
+VRM_EXAMPLES the shipped example blocks.
+"""
+
+import glob
+import json
+import os
+import pathlib
+import struct
+import subprocess
+import tempfile
+import unittest
+
+import vrm
+
+STREAMGEN = os.environ.get("VRM_STREAMGEN", "streamgen")
+EXAMPLES = os.environ.get("VRM_EXAMPLES", str(pathlib.Path(__file__).resolve().parents[2] / "examples"))
+INVALID = os.path.join(EXAMPLES, "invalid.json")
+VALID = sorted(p for p in glob.glob(os.path.join(EXAMPLES, "*.json")) if p != INVALID)
+IPV4 = os.path.join(EXAMPLES, "ipv4-udp.json")
+
+
+def streamgen(*args, check=True):
+    return subprocess.run([STREAMGEN, *args], check=check, capture_output=True, text=True)
+
+
+def pcap_records(data):
+    """The frames of a pcap file's bytes (native byte order, as libpcap writes)."""
+    frames, pos = [], 24
+    while pos < len(data):
+        _, _, length, _ = struct.unpack_from("=IIII", data, pos)
+        frames.append(data[pos + 16:pos + 16 + length])
+        pos += 16 + length
+    return frames
+
+
+class Blocks(unittest.TestCase):
+    def setUp(self):
+        self.tmp = tempfile.TemporaryDirectory()
+        self.addCleanup(self.tmp.cleanup)
+
+    def test_values_equal_streamgen_values_at(self):
+        for path in VALID:
+            block = vrm.Block.from_json(path)
+            for start, count in ((0, 300), (4294967290, 6)):
+                with self.subTest(example=os.path.basename(path), start=start):
+                    out = streamgen("values", path, "--at", "--start", str(start), "--count", str(count)).stdout
+                    expected = [line.split() for line in out.splitlines()]
+                    got = [[str(i)] + [v.hex() for v in block.values(i).values()]
+                           for i in range(start, start + count)]
+                    self.assertEqual(got, expected)
+
+    def test_stamped_frames_equal_streamgen_frames(self):
+        count = 300
+        keep = ["--checksums", "keep"]  # the frames as stamped
+        for path in VALID:
+            with self.subTest(example=os.path.basename(path)):
+                pcap = os.path.join(self.tmp.name, "streamgen.pcap")
+                streamgen("frames", path, "-o", pcap, "--count", str(count), *keep)
+                with open(pcap, "rb") as f:
+                    written = f.read()
+                frames = pcap_records(written)
+                block = vrm.Block.from_json(path)
+                plan = block.plan()
+                self.assertEqual(plan.frame_length, len(block.frame_template))
+                self.assertEqual(bytes(plan.stamp(0, count)), b"".join(frames))
+                self.assertEqual(bytes(plan.stamp(120, 50)), b"".join(frames[120:170]))
+                self.assertEqual([plan.frame(i) for i in (0, 1, 299)], [frames[0], frames[1], frames[299]])
+                if plan.cycle_length:
+                    self.assertEqual(plan.frame(plan.cycle_length + 7), frames[7])
+                ours = os.path.join(self.tmp.name, "vrm.pcap")
+                for threads in (1, 3):
+                    summary = block.write_pcap(ours, count, threads=threads, checksums=False)
+                    self.assertEqual(summary["frames"], count)
+                    with open(ours, "rb") as f:
+                        self.assertEqual(f.read(), written)
+                # With checksums recomputed, as streamgen frames writes by default.
+                streamgen("frames", path, "-o", pcap, "--count", str(count))
+                block.write_pcap(ours, count, threads=2)
+                with open(ours, "rb") as f, open(pcap, "rb") as g:
+                    self.assertEqual(f.read(), g.read())
+
+    def test_stamp_into_caller_buffers(self):
+        plan = vrm.Block.from_json(IPV4).plan()
+        expected = bytes(plan.stamp(10, 4))
+        buffers = [("bytearray", bytearray(len(expected))),
+                   ("memoryview", memoryview(bytearray(len(expected) + 5)))]
+        try:
+            import numpy
+            buffers.append(("numpy", numpy.zeros(len(expected), dtype=numpy.uint8)))
+        except ImportError:
+            pass
+        for name, out in buffers:
+            with self.subTest(buffer=name):
+                self.assertIs(plan.stamp(10, 4, out), out)
+                self.assertEqual(bytes(out)[:len(expected)], expected)
+
+    def test_validation_lines_equal_streamgen_validate(self):
+        for path in VALID + [INVALID]:
+            with self.subTest(example=os.path.basename(path)):
+                block = vrm.Block.from_json(path)
+                lines = streamgen("validate", path, check=False).stdout.splitlines()
+                expected = [line for line in lines if not line.startswith("valid: ")]
+                self.assertEqual(block.validate(), expected)
+                self.assertEqual(block.valid, path != INVALID)
+        self.assertTrue(vrm.Block.from_json(INVALID).validate())
+
+    def test_sources_and_description(self):
+        with open(IPV4) as f:
+            text = f.read()
+        doc = json.loads(text)
+        doc["baseStream"]["frame"]["data"] = bytes.fromhex(doc["baseStream"]["frame"]["data"].replace(" ", ""))
+        doc["rangeModifiers"][0]["initialValue"] = b"\xc0\x00\x02\x01"
+        blocks = [vrm.Block.from_json(IPV4), vrm.Block.from_json(pathlib.Path(IPV4)),
+                  vrm.Block.from_json(text), vrm.Block.from_dict(doc)]
+        for block in blocks[1:]:
+            self.assertEqual(block.to_dict(), blocks[0].to_dict())
+            self.assertEqual(block.values(77), blocks[0].values(77))
+        block = blocks[0]
+        self.assertEqual(block.frames, 256)
+        self.assertEqual(block.to_dict()["rangeModifiers"][1]["mode"], "RANDOM")
+        self.assertEqual(block.modifiers, [
+            {"modIndex": 1, "mode": "INCREMENT", "width": 4, "field": "ipv4.src", "bitOffset": 208, "bitLength": 32,
+             "offset": 0},
+            {"modIndex": 2, "mode": "RANDOM", "width": 2, "field": "udp.sport", "bitOffset": 272, "bitLength": 16,
+             "offset": 0},
+        ])
+
+
+class Messages(unittest.TestCase):
+    def test_set_stream_block_equals_the_request_built_in_cpp(self):
+        with tempfile.TemporaryDirectory() as tmp:
+            for path in VALID:
+                with self.subTest(example=os.path.basename(path)):
+                    wire = os.path.join(tmp, "request.bin")
+                    streamgen("request", path, "-o", wire)
+                    with open(wire, "rb") as f:
+                        cpp = vrm.decode(f.read())
+                    block = vrm.Block.from_json(path)
+                    ours = vrm.request("Generator_3", "SetStreamBlock", blocks=[block.to_dict()], returnIndex=False)
+                    self.assertEqual(vrm.decode(ours), cpp)
+                    self.assertEqual(cpp["name"], "Generator_3.SetStreamBlock")
+
+    def test_every_method_builds_a_request_with_defaults(self):
+        self.assertEqual(vrm.modules(), ["Generator_3", "LoadProfile_1", "Stats_1", "ifSetup_1"])
+        for module in vrm.modules():
+            for method in vrm.methods(module):
+                with self.subTest(module=module, method=method):
+                    decoded = vrm.decode(vrm.request(module, method))
+                    self.assertEqual(decoded["kind"], "request")
+                    self.assertEqual(list(decoded["members"]), vrm.members(module, method)["request"])
+
+    def test_responses_parse_back(self):
+        cases = [
+            ("Generator_3", "GetRunState", {"isRunning": True}),
+            ("Generator_3", "SetStreamBlock", {"indexes": [{"blockId": 4, "streamIndexes": [1, 2, 3]}]}),
+            ("Generator_3", "Commit", {"warningLog": [], "expectedBankSwitchDuration": 250}),
+            ("Generator_3", "GetRateEnabledRows_StreamStatsTable", {"rows": [7, 8]}),
+            ("Stats_1", "DoSQL", None),
+            ("LoadProfile_1", "GetLoadProfile", None),
+            ("ifSetup_1", "GetInterfaceLibParams", None),
+        ]
+        for module, method, members in cases:
+            with self.subTest(module=module, method=method):
+                if members is None:  # the defaults of every member
+                    members = vrm.parse_response(module, method, vrm.response(module, method))
+                parsed = vrm.parse_response(module, method, vrm.response(module, method, **members))
+                self.assertEqual({k: parsed[k] for k in members}, members)
+
+    def test_request_members_as_python_values(self):
+        decoded = vrm.decode(vrm.request("Generator_3", "ControlArray", action="STOP", blockId=[3, 4]))
+        self.assertEqual(decoded, {"kind": "request", "name": "Generator_3.ControlArray",
+                                   "members": {"action": "STOP", "blockId": [3, 4]}})
+
+
+class Errors(unittest.TestCase):
+    def test_library_errors_map_to_python_exceptions(self):
+        invalid = vrm.Block.from_json(INVALID)
+        ipv4 = vrm.Block.from_json(IPV4)
+        plan = ipv4.plan()
+        response = vrm.response("Generator_3", "GetL1Cfg", perFrameL1OverheadBytes=20)
+        cyclic = []
+        cyclic.append(cyclic)
+        cases = [
+            ("bad JSON", lambda: vrm.Block.from_json("{"), ValueError, "(document): invalid JSON at line 1"),
+            ("unknown key", lambda: vrm.Block.from_json('{"nope": 1}'), ValueError, "nope: unknown key"),
+            ("bad hex", lambda: vrm.Block.from_dict({"baseStream": {"frame": {"data": "zz"}}}), ValueError,
+             "baseStream.frame.data: expected hex bytes"),
+            ("no such file", lambda: vrm.Block.from_json("/nonexistent/block.json"), OSError,
+             "/nonexistent/block.json"),
+            ("not a source", lambda: vrm.Block.from_json(3), TypeError, "expected JSON text"),
+            ("invalid block values", lambda: invalid.values(0), ValueError, "the block is invalid"),
+            ("invalid block plan", lambda: invalid.plan(), ValueError, "the block is invalid"),
+            ("index beyond 32 bits", lambda: ipv4.values(2 ** 32), IndexError, "frame indexes go up to 4294967295"),
+            ("negative index", lambda: plan.frame(-1), IndexError, "frame index -1 is negative"),
+            ("buffer too small", lambda: plan.stamp(0, 10, bytearray(5)), ValueError, "the buffer holds 5 bytes"),
+            ("read-only buffer", lambda: plan.stamp(0, 1, bytes(100)), BufferError, ""),
+            ("threads", lambda: ipv4.write_pcap("/dev/null", 1, threads=0), ValueError, "threads: expected 1 to 256"),
+            ("unknown module", lambda: vrm.request("Nope", "Reset"), ValueError, "unknown module Nope"),
+            ("unknown method", lambda: vrm.request("Generator_3", "Nope"), ValueError,
+             "unknown method Generator_3.Nope"),
+            ("unknown member", lambda: vrm.request("Generator_3", "Reset", bogus=1), TypeError,
+             "unexpected member 'bogus'"),
+            ("member kind", lambda: vrm.request("Generator_3", "SetStreamBlock", returnIndex=3), ValueError,
+             "returnIndex: expected true or false, got an integer"),
+            ("enum name", lambda: vrm.request("Generator_3", "Control", action="JUMP"), ValueError,
+             "action: expected one of START, STOP"),
+            ("record member", lambda: vrm.request("Generator_3", "SetStreamBlock", blocks=[{"blockID": -1}]),
+             ValueError, "blocks[0].blockID: out of range for uint32"),
+            ("beyond 64 bits", lambda: vrm.request("Generator_3", "ClearAllStats", absExecTime=2 ** 70),
+             ValueError, "absExecTime: integer out of range"),
+            ("no JSON form", lambda: vrm.request("Generator_3", "ClearAllStats", absExecTime=object()), TypeError,
+             "absExecTime: cannot convert a object"),
+            ("self-containing list", lambda: vrm.request("Generator_3", "ControlArray", blockId=cyclic), ValueError,
+             "nested deeper than 64"),
+            ("malformed wire", lambda: vrm.decode(b"XX"), vrm.MessageError, "decode error at byte"),
+            ("request as response", lambda: vrm.parse_response("Generator_3", "GetRunState",
+                                                               vrm.request("Generator_3", "GetRunState")),
+             vrm.MessageError, "type mismatch"),
+            ("member of another kind", lambda: vrm.parse_response("Generator_3", "GetRunState", response),
+             vrm.MessageError, "no member named 'isRunning'"),
+        ]
+        for name, call, kind, text in cases:
+            with self.subTest(case=name):
+                with self.assertRaises(kind) as caught:
+                    call()
+                self.assertIn(text, str(caught.exception))
+        self.assertTrue(issubclass(vrm.MessageError, ValueError))
+
+
+if __name__ == "__main__":
+    unittest.main()
