@@ -11,21 +11,12 @@
 #include "platform/Tm_codec.h"
 #include "platform/Tm_exception.h"
 #include "platform/Tm_json.h"
+#include "support/Thrown.h"
 
 namespace {
 
 constexpr auto R = Message::TMG_RECV;
 constexpr auto S = Message::TMG_SEND;
-
-template <class F>
-std::string thrown_text(F&& f) {
-    try {
-        f();
-    } catch (const Tm_exception& e) {
-        return e.what();
-    }
-    return "<nothing thrown>";
-}
 
 // Reads element i of an array with the getter of `kind`, widened to long.
 long read_as_long(const Tm_array& a, TMV kind, int i) {
@@ -302,7 +293,7 @@ TEST(BackedArray, MutationsAndNonScalarGettersAreRefusedWithTheirNames) {
             {[](Tm_array& x) { x.get_member_message(0); }, "get_member_message"},
         };
         for (const auto& [call, name] : refusals) {
-            EXPECT_EQ(thrown_text([&] { call(*a); }), name + "() is not supported by backed arrays");
+            EXPECT_EQ(Thrown<Tm_exception>([&] { call(*a); }), name + "() is not supported by backed arrays");
         }
         EXPECT_EQ(a->get_member_count(), 1);
         EXPECT_EQ(a->get_member_int16(0), 1);
@@ -313,8 +304,8 @@ TEST(BackedArray, ReserveIsRefusedOnlyByTheView) {
     std::vector<int> v{1, 2};
     std::unique_ptr<Tm_array> view(make_scalar_array(v, false));
     std::unique_ptr<Tm_array> copy(make_scalar_array(v, true));
-    EXPECT_EQ(thrown_text([&] { view->reserve(10); }), "reserve() is not supported by backed arrays");
-    EXPECT_EQ(thrown_text([&] { copy->reserve(10); }), "<nothing thrown>");
+    EXPECT_EQ(Thrown<Tm_exception>([&] { view->reserve(10); }), "reserve() is not supported by backed arrays");
+    EXPECT_EQ(Thrown<Tm_exception>([&] { copy->reserve(10); }), "(nothing thrown)");
     EXPECT_EQ(copy->get_member_count(), 2);
 }
 
@@ -400,11 +391,11 @@ TEST(BackedArray, NonScalarTagIsRefusedWhenVisited) {
     Tm_vector_copy_backed_array<int> copy(values.begin(), 1, TMV_STRUCT);
     Recorder r;
     const std::string text = "invalid use of Tm_backed_array: supports only simple TMV types";
-    EXPECT_EQ(thrown_text([&] { view.item_accept(0, r); }), text);
-    EXPECT_EQ(thrown_text([&] { copy.item_accept(0, r); }), text);
+    EXPECT_EQ(Thrown<Tm_exception>([&] { view.item_accept(0, r); }), text);
+    EXPECT_EQ(Thrown<Tm_exception>([&] { copy.item_accept(0, r); }), text);
     EXPECT_TRUE(r.seen.empty());
     // The index is checked first.
-    EXPECT_EQ(thrown_text([&] { view.item_accept(1, r); }), "index 1 out of range [0, 0]");
+    EXPECT_EQ(Thrown<Tm_exception>([&] { view.item_accept(1, r); }), "index 1 out of range [0, 0]");
 }
 
 TEST(BackedArray, RendersAsJsonLikeAnyArray) {

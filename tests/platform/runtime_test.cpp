@@ -8,6 +8,7 @@
 #include "platform/Message.h"
 #include "platform/Tm_exception.h"
 #include "platform/tm_enum_map.h"
+#include "support/Thrown.h"
 
 namespace {
 
@@ -55,16 +56,6 @@ TEST(EnumMap, EveryRowSurvivesATripThroughItsName) {
     EXPECT_EQ(tms_string_to_enum(tms_enum_to_string(1234, kModes), kModes), 1234);
 }
 
-template <class F>
-std::string thrown_text(F&& f) {
-    try {
-        f();
-    } catch (const Tm_exception& e) {
-        return e.what();
-    }
-    return "<nothing thrown>";
-}
-
 TEST(Getters, MissingMemberNamesTheMemberWrongKindIsAMismatch) {
     Message m;
     m.add_member(R, "count", 3u);
@@ -85,7 +76,7 @@ TEST(Getters, MissingMemberNamesTheMemberWrongKindIsAMismatch) {
         {"string as array", [&] { m.get_member_array(R, "name"); },
          "type mismatch: found string (10), wanted array (12)"},
     };
-    for (const Case& c : cases) EXPECT_EQ(thrown_text(c.call), c.text) << c.what;
+    for (const Case& c : cases) EXPECT_EQ(Thrown<Tm_exception>(c.call), c.text) << c.what;
 
     try {
         m.get_member_bool(R, "count");
@@ -103,9 +94,9 @@ TEST(Getters, ArrayChecksKindThenIndex) {
     Tm_array a;
     a.add_member(1);
     a.add_member("s");
-    EXPECT_EQ(thrown_text([&] { a.get_member_int32(2); }), "index 2 out of range [0, 1]");
-    EXPECT_EQ(thrown_text([&] { a.get_member_int32(-1); }), "index -1 out of range [0, 1]");
-    EXPECT_EQ(thrown_text([&] { a.get_member_string(0); }),
+    EXPECT_EQ(Thrown<Tm_exception>([&] { a.get_member_int32(2); }), "index 2 out of range [0, 1]");
+    EXPECT_EQ(Thrown<Tm_exception>([&] { a.get_member_int32(-1); }), "index -1 out of range [0, 1]");
+    EXPECT_EQ(Thrown<Tm_exception>([&] { a.get_member_string(0); }),
               "type mismatch: found int32 (4), wanted string (10)");
     EXPECT_EQ(a.get_member_string(1), "s");
 }
@@ -187,7 +178,7 @@ TEST(PrenamedStruct, MembersAreNamedFromTheTableAndInternedInTheCatalog) {
     EXPECT_EQ(p->get_names_count(), 2);
     p->add_member(1, 5u, catalog);
     p->add_member(0, std::string("a"), catalog);
-    EXPECT_EQ(thrown_text([&] { p->add_member(2, 1, catalog); }), "index 2 out of range [0, 1]");
+    EXPECT_EQ(Thrown<Tm_exception>([&] { p->add_member(2, 1, catalog); }), "index 2 out of range [0, 1]");
     m.add_member_and_own(S, "rec", p);
     EXPECT_EQ(catalog->names(), (std::vector<std::string>{"beta", "alpha"}));
     ASSERT_TRUE(m.create_send_member_string_meta());
