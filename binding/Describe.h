@@ -168,4 +168,40 @@ struct IsRecord<R, std::void_t<decltype(describe(static_cast<const R*>(nullptr))
 template <class R>
 constexpr bool is_record = IsRecord<R>::value;
 
+// --- names tables ---------------------------------------------------------------------------
+
+template <class R>
+struct Names {
+    static constexpr auto desc = description<R>();
+    template <class Tuple, std::size_t... I>
+    static constexpr auto make(const Tuple& t, std::index_sequence<I...>) {
+        if constexpr (decltype(desc)::is_choice) {
+            return std::array<const char*, sizeof...(I) + 1>{std::get<I>(t).field.name..., nullptr};
+        } else {
+            return std::array<const char*, sizeof...(I) + 1>{std::get<I>(t).name..., nullptr};
+        }
+    }
+    static constexpr auto& items() {
+        if constexpr (decltype(desc)::is_choice) return desc.alternatives;
+        else return desc.fields;
+    }
+    static constexpr std::size_t count = std::tuple_size_v<std::decay_t<decltype(items())>>;
+    static constexpr std::array<const char*, count + 1> table = make(items(), std::make_index_sequence<count>{});
+};
+
+// The names table of a record as a static, null-terminated array (a choice record: its
+// alternatives' names): what <rec>_t_names refers to.
+template <class R, class Sequence = std::make_index_sequence<Names<R>::count>>
+struct NamesArray;
+template <class R, std::size_t... I>
+struct NamesArray<R, std::index_sequence<I...>> {
+    static constexpr const char* value[sizeof...(I) + 1] = {Names<R>::table[I]..., nullptr};
+};
+
+// The null-terminated names table of a record (a choice record: its alternatives' names).
+template <class R>
+constexpr const char* const* names() {
+    return NamesArray<R>::value;
+}
+
 }  // namespace binding

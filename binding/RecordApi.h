@@ -10,9 +10,10 @@
 #include "platform/Tm_catalog.h"
 #include "platform/Tm_struct.h"
 
-// For record `<rec>_s`: <rec>_t_names, <rec>_t_to_struct, <rec>_t_from_struct, ==, !=.
+// For record `<rec>_s`: <rec>_t_names (a static, null-terminated array), <rec>_t_to_struct, <rec>_t_from_struct, ==, !=.
 #define VRM_RECORD_API(rec)                                                                          \
-    extern const char* const* const rec##_t_names;                                                   \
+    inline constexpr const char* const(&rec##_t_names)[binding::Names<rec##_s>::count + 1] =          \
+        binding::NamesArray<rec##_s>::value;                                                         \
     Tm_prenamed_struct* rec##_t_to_struct(Tm_prenamed_struct* target, const rec##_s* source, bool copy, \
                                           Tm_catalog<std::string>* catalog);                         \
     void rec##_t_from_struct(const Tm_struct* source, rec##_s* target);                              \
@@ -26,7 +27,8 @@
 
 // For choice record `<rec>_t`: the same, over a plain Tm_struct.
 #define VRM_CHOICE_API(rec)                                                                              \
-    extern const char* const* const rec##_t_names;                                                       \
+    inline constexpr const char* const(&rec##_t_names)[binding::Names<rec##_t>::count + 1] =              \
+        binding::NamesArray<rec##_t>::value;                                                             \
     Tm_struct* rec##_t_to_struct(Tm_struct* target, const rec##_t* source, bool copy,                     \
                                  Tm_catalog<std::string>* catalog);                                      \
     void rec##_t_from_struct(const Tm_struct* source, rec##_t* target);                                  \
@@ -39,7 +41,6 @@
 
 // Definitions, in the module's source (inside the module's namespace).
 #define VRM_RECORD_IMPL(rec)                                                                            \
-    const char* const* const rec##_t_names = binding::names<rec##_s>();                                 \
     Tm_prenamed_struct* rec##_t_to_struct(Tm_prenamed_struct* target, const rec##_s* source, bool copy,  \
                                           Tm_catalog<std::string>* catalog) {                           \
         return binding::to_struct(target, *source, copy, catalog);                                      \
@@ -48,7 +49,6 @@
     bool operator==(const rec##_s& a, const rec##_s& b) { return binding::equal(a, b); }
 
 #define VRM_CHOICE_IMPL(rec)                                                                            \
-    const char* const* const rec##_t_names = binding::names<rec##_t>();                                 \
     Tm_struct* rec##_t_to_struct(Tm_struct* target, const rec##_t* source, bool copy,                    \
                                  Tm_catalog<std::string>* catalog) {                                    \
         return binding::choice_to_struct(target, *source, copy, catalog);                               \

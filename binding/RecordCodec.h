@@ -278,31 +278,6 @@ void read(const Tm_struct* s, const char* name, T& out, EnumString form) {
 
 // --- records ------------------------------------------------------------------------------
 
-template <class R>
-struct Names {
-    static constexpr auto desc = description<R>();
-    template <class Tuple, std::size_t... I>
-    static constexpr auto make(const Tuple& t, std::index_sequence<I...>) {
-        if constexpr (decltype(desc)::is_choice) {
-            return std::array<const char*, sizeof...(I) + 1>{std::get<I>(t).field.name..., nullptr};
-        } else {
-            return std::array<const char*, sizeof...(I) + 1>{std::get<I>(t).name..., nullptr};
-        }
-    }
-    static constexpr auto& items() {
-        if constexpr (decltype(desc)::is_choice) return desc.alternatives;
-        else return desc.fields;
-    }
-    static constexpr std::size_t count = std::tuple_size_v<std::decay_t<decltype(items())>>;
-    static constexpr std::array<const char*, count + 1> table = make(items(), std::make_index_sequence<count>{});
-};
-
-// The null-terminated names table of a record (a choice record: its alternatives' names).
-template <class R>
-constexpr const char* const* names() {
-    return Names<R>::table.data();
-}
-
 // (A record without fields, such as an empty base, leaves every parameter unused.)
 template <class R, class Fields, std::size_t... I>
 void write_fields([[maybe_unused]] Tm_prenamed_struct* t, [[maybe_unused]] const R& rec, [[maybe_unused]] bool copy,

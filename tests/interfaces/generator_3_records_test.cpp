@@ -2,6 +2,7 @@
 // stops of bounded members and the choice records.
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,12 @@ using namespace Generator_3_bll;
 namespace ts = testing_support;
 
 namespace {
+
+// Names tables are static, null-terminated arrays: one entry per member (a choice record: per
+// alternative) and the terminator.
+static_assert(std::size(rangeModifier_t_names) == 11 && rangeModifier_t_names[10] == nullptr);
+static_assert(std::size(modLinkDesc_t_names) == 3 && modLinkDesc_t_names[2] == nullptr);
+static_assert(std::size(portRate_t_names) == 3 && portRate_t_names[2] == nullptr);
 
 using Names = std::vector<std::string>;
 
