@@ -33,7 +33,7 @@ constexpr std::size_t kGroup = 32;
 constexpr std::size_t kWordBytes = 8;
 // Frames stamped together, track by track, while they stay in the cache.
 constexpr std::size_t kBlockBytes = 16384;
-constexpr std::size_t kBlockFrames = 64;
+constexpr std::size_t kBlockFrames = 32;
 // Scratch space of WordsOf: the window (at most 17 bytes) at kWindowBase, words reaching up
 // to 8 bytes before and after it, and the 17-byte number written in front of a short window.
 constexpr int kWindowBase = 24;
