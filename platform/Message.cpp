@@ -67,17 +67,17 @@ void collect_struct(const Tm_struct& s, Tm_catalog<std::string>& catalog) {
 }
 
 void collect_names(const Tm_value& v, Tm_catalog<std::string>& catalog) {
-    const std::type_info& type = typeid(v);
-    if (type == typeid(Tm_struct) || type == typeid(Tm_prenamed_struct)) {
+    using tm_detail::is_exactly;
+    if (is_exactly<Tm_prenamed_struct>(v) || is_exactly<Tm_struct>(v)) {
         collect_struct(static_cast<const Tm_struct&>(v), catalog);
-    } else if (type == typeid(Tm_array)) {
+    } else if (is_exactly<Tm_array>(v)) {
         const auto& a = static_cast<const Tm_array&>(v);
         if (a.holds_packed()) return;
         const int n = a.get_member_count();
         for (int i = 0; i < n; ++i) {
             if (const Tm_value* item = a.item_slot(i).value()) collect_names(*item, catalog);
         }
-    } else if (type == typeid(Tm_message)) {
+    } else if (is_exactly<Tm_message>(v)) {
         const Message& m = static_cast<const Tm_message&>(v).get();
         collect_struct(m.get_group(TMG_SEND), catalog);
         collect_struct(m.get_group(TMG_RECV), catalog);

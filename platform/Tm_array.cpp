@@ -19,7 +19,7 @@ Tm_array::Tm_array(const Tm_array& other) : Tm_value_container(TMV_ARRAY), m_cat
     }
     const int n = other.get_member_count();
     m_items.reserve(static_cast<size_t>(n));
-    if (typeid(other) == typeid(Tm_array)) {
+    if (tm_detail::is_exactly<Tm_array>(other)) {
         for (const Slot& s : other.m_items) m_items.push_back(s.clone());
     } else {
         // A derived array (for example one backed by a caller's container): copy through
@@ -69,7 +69,7 @@ Tm_array::~Tm_array() = default;
 bool Tm_array::equals(const Tm_value& other) const {
     if (other.get_value_type() != TMV_ARRAY) return false;
     const auto& o = static_cast<const Tm_array&>(other);
-    if (typeid(o) != typeid(Tm_array)) return o.equals(*this);  // let a derived array decide
+    if (!tm_detail::is_exactly<Tm_array>(o)) return o.equals(*this);  // let a derived array decide
     const int n = get_member_count();
     if (o.get_member_count() != n) return false;
     if (!m_ownsPacked && !o.m_ownsPacked) {
@@ -93,7 +93,7 @@ void Tm_array::accept(Tm_visitor& visitor) const {
     visitor.end_array(*this);
 }
 
-bool Tm_array::is_plain() const { return typeid(*this) == typeid(Tm_array); }
+bool Tm_array::is_plain() const { return tm_detail::is_exactly<Tm_array>(*this); }
 
 std::size_t Tm_array::wire_size(TMV kind) {
     switch (kind) {
@@ -145,7 +145,7 @@ Slot Tm_array::packed_slot(int index, TMV kind) const {
 
 void Tm_array::unpack() {
     if (!m_ownsPacked) return;
-    std::vector<Slot> items;
+    decltype(m_items) items;
     items.reserve(m_packedCount);
     for (std::size_t i = 0; i < m_packedCount; ++i) items.push_back(element_slot(i));
     m_items.swap(items);

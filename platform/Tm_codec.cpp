@@ -197,15 +197,15 @@ class Encoder final : public Tm_visitor {
     // The runtime's own structs and arrays are written directly, without visitor round trips;
     // any other value (derived structs and arrays) through its accept().
     void write_value(const Tm_value& v) {
-        const std::type_info& type = typeid(v);
-        if (type == typeid(Tm_struct) || type == typeid(Tm_prenamed_struct)) {
+        using tm_detail::is_exactly;
+        if (is_exactly<Tm_prenamed_struct>(v) || is_exactly<Tm_struct>(v)) {
             write_struct(static_cast<const Tm_struct&>(v));
         } else if (v.get_value_type() == TMV_ARRAY) {
             const auto& a = static_cast<const Tm_array&>(v);
             Tm_array::Packed p;
             if (a.packed(p)) {
                 write_packed(p);
-            } else if (type == typeid(Tm_array)) {
+            } else if (is_exactly<Tm_array>(v)) {
                 write_plain_array(a);
             } else {
                 v.accept(*this);

@@ -5,10 +5,19 @@
 #include <atomic>
 #include <cstdint>
 #include <string>
+#include <typeinfo>
 
 #include "platform/Tm_value.h"
 
 namespace tm_detail {
+
+// Whether `v` is exactly of class T, not of a class derived from it. The runtime's classes
+// have their type information emitted once, in this library, so comparing addresses
+// decides (comparing type_info objects would compare mangled names when they differ).
+template <class T>
+bool is_exactly(const Tm_value& v) {
+    return &typeid(v) == &typeid(T);
+}
 
 // A member name shared by every struct member that carries it: one heap text per distinct
 // name of a names table or of a decoded name table, however many members use it. Copies
@@ -17,9 +26,15 @@ namespace tm_detail {
 // catalog that interned it, so that interning a name again costs no hashing.
 class Name {
 public:
-    explicit Name(const std::string& text) : m_rep(new Rep(text)) {}
-    explicit Name(const char* text) : m_rep(new Rep(text)) {}
-    Name(const Name& o) noexcept : m_rep(o.m_rep) { m_rep->refs.fetch_add(1, std::memory_order_relaxed); }
+    explicit Name(const std::string& text) : m_rep(new Rep(text, false)) {}
+    explicit Name(const char* text) : m_rep(new Rep(text, false)) {}
+    // A name that lives as long as the process (the entries of static names tables): copies
+    // share it without counting, which keeps building records free of atomic operations.
+    struct Immortal {};
+    Name(const char* text, Immortal) : m_rep(new Rep(text, true)) {}
+    Name(const Name& o) noexcept : m_rep(o.m_rep) {
+        if (!m_rep->immortal) m_rep->refs.fetch_add(1, std::memory_order_relaxed);
+    }
     Name(Name&& o) noexcept : m_rep(o.m_rep) { o.m_rep = nullptr; }
     Name& operator=(const Name& o) noexcept {
         Name copy(o);
@@ -31,7 +46,7 @@ public:
         return *this;
     }
     ~Name() {
-        if (m_rep && m_rep->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) delete m_rep;
+        if (m_rep && !m_rep->immortal && m_rep->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) delete m_rep;
     }
 
     const std::string& text() const { return m_rep->text; }
@@ -53,8 +68,9 @@ private:
     static constexpr int kIndexBits = 24;
     static constexpr std::uint64_t kIndexMask = (std::uint64_t(1) << kIndexBits) - 1;
     struct Rep {
-        explicit Rep(std::string t) : text(std::move(t)) {}
+        Rep(std::string t, bool forever) : text(std::move(t)), immortal(forever) {}
         std::string text;
+        const bool immortal;
         std::atomic<long> refs{1};
         std::atomic<std::uint64_t> cache{0};
     };

@@ -1,6 +1,7 @@
 #include "platform/Tm_struct.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <mutex>
@@ -93,6 +94,14 @@ int Tm_struct::find_member(const char* name, int hint) const {
         if (is(m_members[i])) return static_cast<int>(i);
     }
     return -1;
+}
+
+const Slot& Tm_struct::member_of_kind(const char* name, int hint, TMV kind) const {
+    const int i = find_member(name, hint);
+    if (i < 0) throw Tm_exception("no member named '" + std::string(name) + "'");
+    const Slot& s = m_members[static_cast<size_t>(i)].slot;
+    if (s.kind() != kind) throw Tm_type_mismatch_exception(s.kind(), kind);
+    return s;
 }
 
 const Slot& Tm_struct::typed(const std::string& name, TMV kind) const {
@@ -191,26 +200,34 @@ struct NameTable {
     }
 };
 
+// Each thread remembers the tables it used last in a small direct-mapped cache, so that
+// records of several types filled in turn find their names without the registry's lock.
 const NameTable& shared_table(const char* const* names, int count) {
-    thread_local const NameTable* last = nullptr;
-    thread_local const char* const* lastNames = nullptr;
-    if (last && lastNames == names && last->matches(names, count)) return *last;
-    static std::mutex mutex;
-    static std::unordered_map<const char* const*, std::unique_ptr<NameTable>> tables;
-    static std::vector<std::unique_ptr<NameTable>> replaced;
+    struct Cached {
+        const char* const* names;
+        const NameTable* table;
+    };
+    constexpr std::size_t kCacheSize = 64;
+    thread_local Cached cache[kCacheSize] = {};
+    Cached& slot = cache[(reinterpret_cast<std::uintptr_t>(names) >> 3) % kCacheSize];
+    if (slot.names == names && slot.table->matches(names, count)) return *slot.table;
+    // The registry lives as long as the process (its names are immortal); it is reachable
+    // from these statics until the end, never destroyed.
+    static std::mutex& mutex = *new std::mutex;
+    static auto& tables = *new std::unordered_map<const char* const*, std::unique_ptr<NameTable>>;
+    static auto& replaced = *new std::vector<std::unique_ptr<NameTable>>;
     std::lock_guard<std::mutex> lock(mutex);
     std::unique_ptr<NameTable>& entry = tables[names];
     if (!entry || !entry->matches(names, count)) {
         auto table = std::make_unique<NameTable>();
         table->entries.assign(names, names + count);
         table->handles.reserve(static_cast<size_t>(count));
-        for (int i = 0; i < count; ++i) table->handles.emplace_back(names[i]);
+        for (int i = 0; i < count; ++i) table->handles.emplace_back(names[i], Name::Immortal{});
         if (entry) replaced.push_back(std::move(entry));
         entry = std::move(table);
     }
-    last = entry.get();
-    lastNames = names;
-    return *last;
+    slot = Cached{names, entry.get()};
+    return *entry;
 }
 
 }  // namespace

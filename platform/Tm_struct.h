@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/Tm_catalog.h"
+#include "platform/Tm_node_cache.h"
 #include "platform/Tm_slot.h"
 #include "platform/Tm_value.h"
 
@@ -97,6 +98,10 @@ public:
     // Index of the member called `name`, trying position `hint` first (record readers find
     // their fields in order), or -1.
     int find_member(const char* name, int hint) const;
+    // The storage cell of the member called `name` (position `hint` tried first), refused as
+    // the getters by name refuse: absent (Tm_exception) or of another kind than `kind`
+    // (Tm_type_mismatch_exception).
+    const tm_detail::Slot& member_of_kind(const char* name, int hint, TMV kind) const;
 
 protected:
     const tm_detail::Slot& typed(const std::string& name, TMV kind) const;
@@ -106,7 +111,7 @@ private:
         tm_detail::Name name;
         tm_detail::Slot slot;
     };
-    std::vector<Member> m_members;
+    std::vector<Member, tm_detail::NodeAllocator<Member>> m_members;
 };
 
 // A struct whose member names come from a static, null-terminated names table: clear(names)
