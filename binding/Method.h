@@ -89,8 +89,8 @@ bool write(const Sink& sink, const T& v, Copied, bool, Catalog* catalog) {
     return write(sink, v, Natural{}, true, catalog);
 }
 template <class T>
-void read(const Tm_struct* s, const char* name, T& out, Copied) {
-    read(s, name, out, Natural{});
+void read(const Tm_struct* s, const char* name, int hint, T& out, Copied) {
+    read(s, name, hint, out, Natural{});
 }
 
 // Adds one member per argument to the send group, in order.
@@ -110,7 +110,7 @@ void read_members(const Tm_struct& group, const Members& ms, std::index_sequence
     static_assert(sizeof...(O) == std::tuple_size_v<Members>, "one output per member");
     static_assert((std::is_same_v<typename std::tuple_element_t<I, Members>::type, O> && ...),
                   "output types must match the described members");
-    (read(&group, std::get<I>(ms).name, outs, std::get<I>(ms).form), ...);
+    (read(&group, std::get<I>(ms).name, static_cast<int>(I), outs, std::get<I>(ms).form), ...);
 }
 
 template <class Members>

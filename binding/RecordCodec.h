@@ -18,6 +18,7 @@
 // vectors are cleared, reserved to the array's count and filled in order.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <memory>
@@ -210,6 +211,32 @@ void read_element(const Tm_array* a, int i, T& out) {
     }
 }
 
+// Whether a value of type T holds a choice record anywhere inside (reading one leaves the
+// record as it was when none of its alternatives is present).
+template <class T>
+constexpr bool holds_choice();
+template <class Fields>
+struct FieldsHoldChoice;
+template <class... F>
+struct FieldsHoldChoice<std::tuple<F...>> {
+    static constexpr bool value = (holds_choice<typename F::value_type>() || ...);
+};
+template <class T>
+constexpr bool holds_choice() {
+    if constexpr (is_record<T>) {
+        using D = decltype(description<T>());
+        if constexpr (D::is_choice) {
+            return true;
+        } else {
+            return FieldsHoldChoice<std::remove_cv_t<decltype(D::fields)>>::value;
+        }
+    } else if constexpr (IsVector<T>::value) {
+        return holds_choice<typename T::value_type>();
+    } else {
+        return false;
+    }
+}
+
 template <class T>
 void read_vector(const Tm_array* a, std::vector<T>& out) {
     if constexpr (is_scalar<T> && tm_backed_detail::wire_kind<T>() >= 0) {
@@ -222,53 +249,92 @@ void read_vector(const Tm_array* a, std::vector<T>& out) {
         }
     }
     const int n = a->get_member_count();
-    out.clear();
-    out.reserve(static_cast<std::size_t>(n));
-    for (int i = 0; i < n; ++i) {
-        T e{};
-        read_element(a, i, e);
-        out.push_back(std::move(e));
+    if constexpr (is_scalar<T> || holds_choice<T>()) {
+        // Each element read from its default.
+        out.clear();
+        out.reserve(static_cast<std::size_t>(n));
+        for (int i = 0; i < n; ++i) {
+            T e{};
+            read_element(a, i, e);
+            out.push_back(std::move(e));
+        }
+    } else {
+        // Every field is read over, so elements already there keep the storage of their
+        // strings and vectors.
+        out.resize(static_cast<std::size_t>(n));
+        for (int i = 0; i < n; ++i) read_element(a, i, out[static_cast<std::size_t>(i)]);
     }
 }
 
+// A member of `s` by name, expected at position `hint` (a reader finds the fields of a
+// record in the order they were written), refused as the getters by name refuse.
 template <class T>
-void read(const Tm_struct* s, const char* name, T& out, Natural) {
+T member_scalar(const Tm_struct* s, const char* name, int hint) {
+    const tm_detail::Slot& v = s->member_of_kind(name, hint, ScalarKind<T>::kind);
+    if constexpr (std::is_same_v<T, bool>) {
+        return v.as_bool();
+    } else if constexpr (std::is_same_v<T, double>) {
+        return v.as_double();
+    } else if constexpr (std::is_signed_v<T>) {
+        return static_cast<T>(v.as_signed());
+    } else {
+        return static_cast<T>(v.as_unsigned());
+    }
+}
+template <class V>
+const V* member_value(const Tm_struct* s, const char* name, int hint, TMV kind) {
+    return static_cast<const V*>(s->member_of_kind(name, hint, kind).value());
+}
+inline const std::string& member_string(const Tm_struct* s, const char* name, int hint) {
+    return member_value<Tm_string>(s, name, hint, TMV_STRING)->get();
+}
+inline const Tm_array* member_array(const Tm_struct* s, const char* name, int hint) {
+    return member_value<Tm_array>(s, name, hint, TMV_ARRAY);
+}
+
+template <class T>
+void read(const Tm_struct* s, const char* name, int hint, T& out, Natural) {
     if constexpr (is_scalar<T>) {
-        out = ScalarKind<T>::from(s, name);
+        out = member_scalar<T>(s, name, hint);
     } else if constexpr (std::is_same_v<T, std::string>) {
-        out = s->get_member_string(name);
+        out = member_string(s, name, hint);
     } else if constexpr (is_record<T>) {
-        binding_from_struct(s->get_member_struct(name), &out);
+        binding_from_struct(member_value<Tm_struct>(s, name, hint, TMV_STRUCT), &out);
     } else if constexpr (IsByteArray<T>::value) {
         // Exactly N bytes: a shorter array leaves the rest zero, a longer one is cut.
-        const Tm_array* a = s->get_member_array(name);
+        const Tm_array* a = member_array(s, name, hint);
         const int n = a->get_member_count();
         out.fill(0);
+        Tm_array::Packed p;
+        if (a->packed(p) && p.kind == TMV_UINT8) {
+            std::memcpy(out.data(), p.data, std::min(p.count, out.size()));
+            return;
+        }
         for (int i = 0; i < n && i < static_cast<int>(out.size()); ++i) out[static_cast<std::size_t>(i)] = a->get_member_uint8(i);
     } else if constexpr (IsVector<T>::value) {
-        read_vector(s->get_member_array(name), out);
+        read_vector(member_array(s, name, hint), out);
     } else {
         static_assert(always_false<T>, "no wire form for this field type; add a marker");
     }
 }
 
 template <class T, std::size_t N>
-void read(const Tm_struct* s, const char* name, T& out, Bounded<N>) {
-    read(s, name, out, Natural{});
+void read(const Tm_struct* s, const char* name, int hint, T& out, Bounded<N>) {
+    read(s, name, hint, out, Natural{});
 }
 
 template <class T, class W>
-void read(const Tm_struct* s, const char* name, T& out, EnumInt<W>) {
-    out = static_cast<T>(ScalarKind<W>::from(s, name));
+void read(const Tm_struct* s, const char* name, int hint, T& out, EnumInt<W>) {
+    out = static_cast<T>(member_scalar<W>(s, name, hint));
 }
 
 template <class T>
-void read(const Tm_struct* s, const char* name, T& out, EnumString form) {
+void read(const Tm_struct* s, const char* name, int hint, T& out, EnumString form) {
     if constexpr (std::is_enum_v<T>) {
-        out = static_cast<T>(tms_string_to_enum(s->get_member_string(name), form.map));
+        out = static_cast<T>(tms_string_to_enum(member_string(s, name, hint), form.map));
     } else {
         using E = typename T::value_type;
-        const Tm_array* a = s->get_member_array(name);
+        const Tm_array* a = member_array(s, name, hint);
         const int n = a->get_member_count();
         out.clear();
         out.reserve(static_cast<std::size_t>(n));
@@ -296,10 +362,16 @@ Tm_prenamed_struct* to_struct(Tm_prenamed_struct* target, const R& rec, bool cop
     return target;
 }
 
+template <class R, class Fields, std::size_t... I>
+void read_fields([[maybe_unused]] const Tm_struct* source, [[maybe_unused]] R& rec,
+                 [[maybe_unused]] const Fields& f, std::index_sequence<I...>) {
+    (read(source, std::get<I>(f).name, static_cast<int>(I), rec.*(std::get<I>(f).member), std::get<I>(f).form), ...);
+}
+
 template <class R>
 void from_struct(const Tm_struct* source, R& rec) {
     constexpr auto d = description<R>();
-    std::apply([&](const auto&... f) { (read(source, f.name, rec.*(f.member), f.form), ...); }, d.fields);
+    read_fields(source, rec, d.fields, std::make_index_sequence<std::tuple_size_v<decltype(d.fields)>>{});
 }
 
 // A choice record: only the selected alternative, as a member named after it; a selector
@@ -325,8 +397,8 @@ void choice_from_struct(const Tm_struct* source, R& rec) {
     constexpr auto d = description<R>();
     std::apply(
         [&](const auto&... a) {
-            (void)((source->get_member_index(a.field.name) != -1 &&
-                    (rec.*(d.selector) = a.value, read(source, a.field.name, rec.*(a.field.member), a.field.form),
+            (void)((source->find_member(a.field.name, 0) != -1 &&
+                    (rec.*(d.selector) = a.value, read(source, a.field.name, 0, rec.*(a.field.member), a.field.form),
                      true)) ||
                    ...);
         },
