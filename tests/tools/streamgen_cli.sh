@@ -137,6 +137,15 @@ case_frames_threads() {
             cmp -s "$ex-1.pcap" "$ex-$t.pcap" || fail "$ex: $t threads give another file than 1 thread"
         done
     done
+    # Several blocks of about a megabyte (13797 frames of ipv4-udp each), taken by whichever
+    # thread is free: the same bytes in a new file and through a pipe.
+    run 0 frames "$EX/ipv4-udp.json" -o big-1.pcap --count 50000 --threads 1
+    for t in 2 3; do
+        run 0 frames "$EX/ipv4-udp.json" -o "big-$t.pcap" --count 50000 --threads "$t"
+        cmp -s big-1.pcap "big-$t.pcap" || fail "50000 frames: $t threads give another file than 1 thread"
+        "$SG" frames "$EX/ipv4-udp.json" -o - --count 50000 --threads "$t" 2>/dev/null | cmp -s big-1.pcap - ||
+            fail "50000 frames through a pipe with $t threads differ from the file"
+    done
     # Fewer frames than threads, and none.
     run 0 frames "$EX/ipv4-udp.json" -o a.pcap --count 3 --threads 1
     run 0 frames "$EX/ipv4-udp.json" -o b.pcap --count 3 --threads 8

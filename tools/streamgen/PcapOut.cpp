@@ -26,12 +26,15 @@ constexpr std::size_t kBlockBytes = std::size_t{1} << 20;
 void put32(unsigned char* at, std::uint32_t v) { std::memcpy(at, &v, 4); }
 void put16(unsigned char* at, std::uint16_t v) { std::memcpy(at, &v, 2); }
 
-// Blocks handed out by index and written strictly in index order.
+// Blocks are taken in index order by whichever thread is free, so that a thread that gets
+// less of the processor (a busy machine) holds up no one; blocks for a pipe or a device are
+// written strictly in index order.
 struct Shared {
     std::mutex mutex;
     std::condition_variable turnChanged;
-    std::uint64_t turn = 0;  // the block to write next
-    bool failed = false;
+    std::uint64_t turn = 0;              // the block to write next, in order
+    std::atomic<std::uint64_t> next{0};  // the block to take next
+    std::atomic<bool> failed{false};     // set under the mutex
     std::exception_ptr error;
     std::atomic<std::uint64_t> done{0};
 };
@@ -47,11 +50,13 @@ struct Job {
     OutputFile* out;
 };
 
-void run_worker(unsigned t, const Job& job, Shared& shared) {
+void run_worker(const Job& job, Shared& shared) {
     try {
         const std::size_t record = kRecordHeader + job.frameLength;
         std::vector<unsigned char> buffer(static_cast<std::size_t>(job.blockFrames) * record);
-        for (std::uint64_t b = t; b < job.blocks; b += job.threads) {
+        while (!shared.failed.load()) {
+            const std::uint64_t b = shared.next.fetch_add(1);
+            if (b >= job.blocks) return;
             const std::uint64_t first = b * job.blockFrames;
             const auto n = static_cast<std::size_t>(std::min(job.blockFrames, job.count - first));
             unsigned char* p = buffer.data();
@@ -68,13 +73,11 @@ void run_worker(unsigned t, const Job& job, Shared& shared) {
                 // A new file: each block goes straight to its place.
                 job.out->WriteAt(kFileHeader + first * record, buffer.data(), n * record);
                 shared.done.fetch_add(n, std::memory_order_relaxed);
-                std::lock_guard<std::mutex> lock(shared.mutex);
-                if (shared.failed) return;
                 continue;
             }
             std::unique_lock<std::mutex> lock(shared.mutex);
-            shared.turnChanged.wait(lock, [&] { return shared.turn == b || shared.failed; });
-            if (shared.failed) return;
+            shared.turnChanged.wait(lock, [&] { return shared.turn == b || shared.failed.load(); });
+            if (shared.failed.load()) return;
             lock.unlock();
             job.out->Write(buffer.data(), n * record);
             lock.lock();
@@ -85,7 +88,7 @@ void run_worker(unsigned t, const Job& job, Shared& shared) {
     } catch (...) {
         std::lock_guard<std::mutex> lock(shared.mutex);
         if (!shared.error) shared.error = std::current_exception();
-        shared.failed = true;
+        shared.failed.store(true);
         shared.turnChanged.notify_all();
     }
 }
@@ -125,27 +128,23 @@ PcapSummary write_pcap(const std::string& path, std::uint64_t count, std::size_t
     std::vector<std::thread> workers;
     const unsigned inline0 = options.progress ? 0 : 1;  // the caller works too unless it reports
     try {
-        for (unsigned t = inline0; t < job.threads; ++t) workers.emplace_back(run_worker, t, std::cref(job), std::ref(shared));
+        for (unsigned t = inline0; t < job.threads; ++t) workers.emplace_back(run_worker, std::cref(job), std::ref(shared));
     } catch (...) {
         {
             std::lock_guard<std::mutex> lock(shared.mutex);
-            shared.failed = true;
+            shared.failed.store(true);
         }
         shared.turnChanged.notify_all();
         for (auto& w : workers) w.join();
         throw;
     }
     if (inline0 == 1) {
-        run_worker(0, job, shared);
+        run_worker(job, shared);
     } else {
         auto last = std::chrono::steady_clock::now();
         for (;;) {
             const std::uint64_t done = shared.done.load(std::memory_order_relaxed);
-            bool failed;
-            {
-                std::lock_guard<std::mutex> lock(shared.mutex);
-                failed = shared.failed;
-            }
+            const bool failed = shared.failed.load();
             const auto now = std::chrono::steady_clock::now();
             if (done >= count || failed || now - last >= std::chrono::milliseconds(100)) {
                 options.progress(done);

@@ -38,8 +38,8 @@ struct PcapOptions {
 // Frame i is stamped i microseconds after the epoch, so the file depends on nothing but the
 // frames.
 //
-// The range is cut into blocks of about a megabyte; thread t stamps blocks t, t + threads,
-// ... each from its own first frame. Into a new file each block is written at its place as
+// The range is cut into blocks of about a megabyte; each thread takes the next block not yet
+// taken and stamps it from its own first frame. Into a new file each block is written at its place as
 // soon as it is ready; into a pipe or a device the blocks are written in order. The capture
 // is byte-identical for any number of threads.
 //
