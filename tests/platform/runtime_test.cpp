@@ -2,10 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/Message.h"
+#include "platform/Tm_codec.h"
 #include "platform/Tm_exception.h"
 #include "platform/tm_enum_map.h"
 #include "support/Thrown.h"
@@ -167,6 +170,44 @@ TEST(Ownership, CopiesAreDeepAndIndependent) {
     a.clear(S);
     EXPECT_EQ(b.get_member_struct(S, "s")->get_member_int32("v"), 1);
     EXPECT_FALSE(b.equals(a));
+}
+
+// Nodes made on one thread and freed on another, while a third keeps making and freeing its
+// own: every message reads back whole.
+TEST(Ownership, MessagesMadeOnOneThreadAreDroppedOnAnother) {
+    Message sample;
+    auto* inner = new Tm_struct;
+    inner->add_member("text", std::string(40, 'x'));
+    inner->add_member("n", 7u);
+    auto* list = new Tm_array;
+    for (int i = 0; i < 20; ++i) list->add_member_and_own(inner->clone());
+    sample.add_member_and_own(S, "list", list);
+    const std::vector<unsigned char> bytes = tmsg::encode(sample);
+    Message expected;
+    tmsg::decode(bytes, expected);
+
+    std::vector<std::unique_ptr<Message>> made(300);
+    std::thread maker([&] {
+        for (auto& m : made) {
+            m = std::make_unique<Message>();
+            tmsg::decode(bytes, *m);
+        }
+    });
+    maker.join();
+    bool allEqual = true;
+    std::thread dropper([&] {
+        for (auto& m : made) {
+            allEqual = allEqual && m->equals(expected);
+            m.reset();
+        }
+    });
+    for (int i = 0; i < 300; ++i) {
+        Message m;
+        tmsg::decode(bytes, m);
+        ASSERT_TRUE(m.equals(expected));
+    }
+    dropper.join();
+    EXPECT_TRUE(allEqual);
 }
 
 TEST(PrenamedStruct, MembersAreNamedFromTheTableAndInternedInTheCatalog) {
