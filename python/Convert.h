@@ -143,9 +143,9 @@ void read_choice(const Json& j, const std::string& path, R& rec) {
     bool found = false;
     auto try_alternative = [&](const auto& a) {
         if (found || key != a.field.name) return;
-        streamgen::read_form(item.value(), sub, rec.*(a.field.member), a.field.form);
-        rec.*(binding::description<R>().selector) = a.value;
         found = true;
+        rec.select(a.value);
+        streamgen::read_form(item.value(), sub, rec.*(a.field.member), a.field.form);
     };
     std::apply([&](const auto&... a) { (try_alternative(a), ...); }, binding::description<R>().alternatives);
     if (!found) throw InputError(sub, "unknown key (expected one of: " + streamgen::field_names<R>() + ")");
