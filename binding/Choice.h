@@ -61,8 +61,13 @@ struct ChoiceOf {
   private:
     template <class F, std::size_t... I>
     static bool visit_each(selector_type value, F& f, std::index_sequence<I...>) {
-        return ((std::get<I>(desc.alternatives).value == value ? (f(std::get<I>(desc.alternatives)), true) : false) ||
-                ...);
+        return (visit_one(std::get<I>(desc.alternatives), value, f) || ...);
+    }
+    template <class A, class F>
+    static bool visit_one(const A& a, selector_type value, F& f) {
+        if (a.value != value) return false;
+        f(a);
+        return true;
     }
 };
 
@@ -99,8 +104,9 @@ constexpr bool distinct(std::index_sequence<I...>) {
 
 // Switching alternatives never fails half-way: starting, moving and ending one cannot throw.
 template <class T>
-constexpr bool switchable = std::is_nothrow_default_constructible_v<T> && std::is_nothrow_move_constructible_v<T> &&
-                            std::is_nothrow_move_assignable_v<T> && std::is_nothrow_destructible_v<T>;
+constexpr bool switchable =
+    std::conjunction_v<std::is_nothrow_default_constructible<T>, std::is_nothrow_move_constructible<T>,
+                       std::is_nothrow_move_assignable<T>, std::is_nothrow_destructible<T>>;
 
 template <class R, std::size_t... I>
 constexpr bool all_switchable(std::index_sequence<I...>) {
@@ -142,8 +148,9 @@ void choice_select(R& rec, selector_of<R> value) noexcept {
 template <class R>
 void choice_copy(R& rec, const R& other) {
     ChoiceAccess::set(choice_detail::selector(rec), choice_detail::selected(other));
-    ChoiceOf<R>::visit(choice_detail::selected(other),
-                       [&rec, &other](const auto& a) { choice_detail::start(rec, a, other.*(a.field.member)); });
+    ChoiceOf<R>::visit(choice_detail::selected(other), [&rec, &other](const auto& a) {
+        choice_detail::start(rec, a, other.*(a.field.member));
+    });
 }
 
 // A new record taking `other`'s alternative; `other` keeps its selector and a moved-from alternative.
@@ -174,8 +181,9 @@ template <class R>
 void choice_copy_assign(R& rec, const R& other) {
     if (&rec == &other) return;
     if (choice_detail::selected(rec) == choice_detail::selected(other)) {
-        ChoiceOf<R>::visit(choice_detail::selected(other),
-                           [&rec, &other](const auto& a) { rec.*(a.field.member) = other.*(a.field.member); });
+        ChoiceOf<R>::visit(choice_detail::selected(other), [&rec, &other](const auto& a) {
+            rec.*(a.field.member) = other.*(a.field.member);
+        });
     } else {
         R copy(other);
         choice_move_assign(rec, copy);

@@ -204,8 +204,10 @@ struct Choice {
 template <class R, class E, class... A>
 constexpr Choice<R, E, A...> choice(Selector<E> R::*selector, A... alternatives) {
     static_assert(sizeof...(A) > 0, "a choice has alternatives");
-    static_assert((std::is_same_v<decltype(A::value), E> && ...), "alternatives are enumerators of the selector");
-    static_assert((std::is_same_v<typename A::field_type::record_type, R> && ...), "fields of another record");
+    static_assert((std::is_same_v<decltype(A::value), E> && ...),
+                  "alternatives are enumerators of the selector");
+    static_assert((std::is_same_v<typename A::field_type::record_type, R> && ...),
+                  "fields of another record");
     static_assert(sizeof(R) == detail::selector_and_union_size<E, typename A::field_type::value_type...>(),
                   "a choice record is its selector and a union of every described alternative, nothing more");
     return {selector, std::tuple<A...>(alternatives...)};

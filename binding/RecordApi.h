@@ -54,7 +54,9 @@
         return *this;                                                                                    \
     }                                                                                                    \
     inline rec##_t::~rec##_t() { binding::choice_destroy(*this); }                                       \
-    inline void rec##_t::select(binding::selector_of<rec##_t> e) noexcept { binding::choice_select(*this, e); } \
+    inline void rec##_t::select(binding::selector_of<rec##_t> e) noexcept {                              \
+        binding::choice_select(*this, e);                                                                \
+    }                                                                                                    \
     inline constexpr const char* const(&rec##_t_names)[binding::Names<rec##_t>::count + 1] =              \
         binding::NamesArray<rec##_t>::value;                                                             \
     Tm_struct* rec##_t_to_struct(Tm_struct* target, const rec##_t* source, bool copy,                     \

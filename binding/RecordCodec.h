@@ -326,7 +326,8 @@ void choice_from_struct(const Tm_struct* source, R& rec) {
     std::apply(
         [&](const auto&... a) {
             (void)((source->get_member_index(a.field.name) != -1 &&
-                    (rec.select(a.value), read(source, a.field.name, rec.*(a.field.member), a.field.form), true)) ||
+                    (rec.select(a.value), read(source, a.field.name, rec.*(a.field.member), a.field.form),
+                     true)) ||
                    ...);
         },
         d.alternatives);

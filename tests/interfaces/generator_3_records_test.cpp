@@ -213,19 +213,18 @@ static_assert(std::is_standard_layout_v<portRate_t> && offsetof(portRate_t, rate
               sizeof(portRate_t::rateMode) == sizeof(std::int32_t));
 static_assert(one_offset({offsetof(portRate_t, fixed), offsetof(portRate_t, random)}));
 
-static_assert(std::is_standard_layout_v<streamBlockModData_t> && offsetof(streamBlockModData_t, modType) == 0 &&
+static_assert(std::is_standard_layout_v<streamBlockModData_t> &&
+              offsetof(streamBlockModData_t, modType) == 0 &&
               sizeof(streamBlockModData_t::modType) == sizeof(std::int32_t));
-static_assert(one_offset({offsetof(streamBlockModData_t, enabled), offsetof(streamBlockModData_t, errorContinuous),
-                          offsetof(streamBlockModData_t, errorFCS),
-                          offsetof(streamBlockModData_t, errorQuorvexSignatureCRC16),
-                          offsetof(streamBlockModData_t, errorInnerFCS), offsetof(streamBlockModData_t, frameLenMode),
-                          offsetof(streamBlockModData_t, frameLenStepExp),
-                          offsetof(streamBlockModData_t, minFrameLength),
-                          offsetof(streamBlockModData_t, maxFrameLength),
-                          offsetof(streamBlockModData_t, fixedFrameLength),
-                          offsetof(streamBlockModData_t, insertSigField), offsetof(streamBlockModData_t, fillType),
-                          offsetof(streamBlockModData_t, fillConstant), offsetof(streamBlockModData_t, customPfc),
-                          offsetof(streamBlockModData_t, uitCfg)}));
+static_assert(one_offset(
+    {offsetof(streamBlockModData_t, enabled), offsetof(streamBlockModData_t, errorContinuous),
+     offsetof(streamBlockModData_t, errorFCS), offsetof(streamBlockModData_t, errorQuorvexSignatureCRC16),
+     offsetof(streamBlockModData_t, errorInnerFCS), offsetof(streamBlockModData_t, frameLenMode),
+     offsetof(streamBlockModData_t, frameLenStepExp), offsetof(streamBlockModData_t, minFrameLength),
+     offsetof(streamBlockModData_t, maxFrameLength), offsetof(streamBlockModData_t, fixedFrameLength),
+     offsetof(streamBlockModData_t, insertSigField), offsetof(streamBlockModData_t, fillType),
+     offsetof(streamBlockModData_t, fillConstant), offsetof(streamBlockModData_t, customPfc),
+     offsetof(streamBlockModData_t, uitCfg)}));
 
 static_assert(std::is_standard_layout_v<streamModData_t> && offsetof(streamModData_t, dataType) == 0 &&
               sizeof(streamModData_t::dataType) == sizeof(std::int32_t));
@@ -240,7 +239,8 @@ static_assert(one_offset({offsetof(streamModData_t, generic), offsetof(streamMod
 static_assert(!std::is_assignable_v<decltype((std::declval<portRate_t&>().rateMode)), rateMode_t>);
 static_assert(!std::is_assignable_v<decltype((std::declval<streamModData_t&>().dataType)),
                                     decltype(std::declval<streamModData_t&>().dataType)>);
-static_assert(std::is_nothrow_move_constructible_v<streamModData_t> && std::is_nothrow_move_assignable_v<streamModData_t>);
+static_assert(std::is_nothrow_move_constructible_v<streamModData_t> &&
+              std::is_nothrow_move_assignable_v<streamModData_t>);
 static_assert(std::is_copy_constructible_v<streamModData_t> && std::is_copy_assignable_v<streamModData_t>);
 
 TEST(Generator3Records, ChoiceStartsWithItsFirstAlternative) {

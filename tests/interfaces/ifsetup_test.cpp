@@ -205,7 +205,8 @@ TEST(IfSetupStack, EmptyStackIsTwentyEmptyArraysAndDescriptorsCarryTypeNames) {
 }
 
 // The layout of the choice record: the tag first, then the alternatives' shared storage.
-static_assert(std::is_standard_layout_v<ifa::ifSetupLibParam_t> && offsetof(ifa::ifSetupLibParam_t, type) == 0 &&
+static_assert(std::is_standard_layout_v<ifa::ifSetupLibParam_t> &&
+              offsetof(ifa::ifSetupLibParam_t, type) == 0 &&
               sizeof(ifa::ifSetupLibParam_t::type) == sizeof(int32_t));
 static_assert(offsetof(ifa::ifSetupLibParam_t, createDefaultRoute) == sizeof(int32_t));
 
