@@ -19,11 +19,13 @@
 //   bounded<N>(name, &R::m)         vector of at most N elements; a longer one ends the
 //                                   outgoing struct before this member, silently
 // A choice record (a selector and one alternative per enumerator, only the selected one on
-// the wire) is described with choice(&R::selector, alternative(value, field...), ...).
+// the wire) is described with choice(&R::selector, alternative(value, field...), ...). It
+// holds a Selector<E> followed by an anonymous union of the alternatives; see Choice.h.
 //
 // record<R>() checks at compile time that every field of the aggregate is described.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <tuple>
@@ -131,6 +133,7 @@ constexpr Record<R, F...> record(F... fields) {
 
 template <class E, class F>
 struct Alternative {
+    using field_type = F;
     E value;
     F field;
 };
@@ -140,18 +143,73 @@ constexpr Alternative<E, Field<R, T, Form>> alternative(E value, Field<R, T, For
     return {value, f};
 }
 
+// The selector of a choice record: which alternative is alive. It reads as its enumerator
+// (comparisons, switch, conversion) but is not assigned directly; the record's select()
+// changes it together with the alternative that is alive.
+template <class E>
+class Selector {
+    static_assert(std::is_enum_v<E>, "a selector is an enumeration");
+
+  public:
+    using value_type = E;
+
+    constexpr Selector() noexcept = default;
+    constexpr Selector(const Selector&) noexcept = default;
+    // Set through the record's select(), which switches the alternative that is alive.
+    Selector& operator=(const Selector&) = delete;
+    Selector& operator=(E) = delete;
+
+    constexpr operator E() const noexcept { return m_value; }
+    constexpr E value() const noexcept { return m_value; }
+
+    friend constexpr bool operator==(Selector a, Selector b) noexcept { return a.m_value == b.m_value; }
+    friend constexpr bool operator!=(Selector a, Selector b) noexcept { return a.m_value != b.m_value; }
+    friend constexpr bool operator==(Selector a, E b) noexcept { return a.m_value == b; }
+    friend constexpr bool operator!=(Selector a, E b) noexcept { return a.m_value != b; }
+    friend constexpr bool operator==(E a, Selector b) noexcept { return a == b.m_value; }
+    friend constexpr bool operator!=(E a, Selector b) noexcept { return a != b.m_value; }
+
+  private:
+    friend struct ChoiceAccess;
+    E m_value{};
+};
+
+namespace detail {
+
+template <class T>
+constexpr T round_up(T n, T to) {
+    return (n + to - 1) / to * to;
+}
+
+// The size of a record holding a Selector<E> and then a union of the types T...
+template <class E, class... T>
+constexpr std::size_t selector_and_union_size() {
+    constexpr std::size_t union_align = std::max({alignof(T)...});
+    constexpr std::size_t union_size = round_up(std::max({sizeof(T)...}), union_align);
+    constexpr std::size_t align = std::max(alignof(Selector<E>), union_align);
+    return round_up(round_up(sizeof(Selector<E>), union_align) + union_size, align);
+}
+
+}  // namespace detail
+
 template <class R, class E, class... A>
 struct Choice {
     using record_type = R;
     using selector_type = E;
     static constexpr bool is_choice = true;
-    E R::*selector;
+    Selector<E> R::*selector;
     std::tuple<A...> alternatives;
 };
 
 template <class R, class E, class... A>
-constexpr Choice<R, E, A...> choice(E R::*selector, A... alternatives) {
-    static_assert(sizeof...(A) + 1 == field_count<R>, "a choice holds its selector and every alternative");
+constexpr Choice<R, E, A...> choice(Selector<E> R::*selector, A... alternatives) {
+    static_assert(sizeof...(A) > 0, "a choice has alternatives");
+    static_assert((std::is_same_v<decltype(A::value), E> && ...),
+                  "alternatives are enumerators of the selector");
+    static_assert((std::is_same_v<typename A::field_type::record_type, R> && ...),
+                  "fields of another record");
+    static_assert(sizeof(R) == detail::selector_and_union_size<E, typename A::field_type::value_type...>(),
+                  "a choice record is its selector and a union of every described alternative, nothing more");
     return {selector, std::tuple<A...>(alternatives...)};
 }
 

@@ -1,10 +1,12 @@
 // Declarations that every described record gets: its names table, its two converters and
-// equality. The definitions come from the generic converter (RecordCodec.h) in the module's
-// source, through the matching *_IMPL macro.
+// equality (a choice record also its lifetime members, defined inline from Choice.h). The
+// definitions of the converters and equality come from the generic converter (RecordCodec.h)
+// in the module's source, through the matching *_IMPL macro.
 #pragma once
 
 #include <string>
 
+#include "binding/Choice.h"
 #include "binding/Describe.h"
 #include "platform/Message.h"
 #include "platform/Tm_catalog.h"
@@ -25,8 +27,36 @@
     bool operator==(const rec##_s& a, const rec##_s& b);                                             \
     inline bool operator!=(const rec##_s& a, const rec##_s& b) { return !(a == b); }
 
-// For choice record `<rec>_t`: the same, over a plain Tm_struct.
+// Inside choice record R with selector enumeration E: the members that keep exactly the
+// selected alternative alive (Choice.h), defined by VRM_CHOICE_API once R is described.
+#define VRM_CHOICE_MEMBERS(R, E)                                                                         \
+    R() noexcept;                                                                                        \
+    R(const R& other);                                                                                   \
+    R(R&& other) noexcept;                                                                               \
+    R& operator=(const R& other);                                                                        \
+    R& operator=(R&& other) noexcept;                                                                    \
+    ~R();                                                                                                \
+    /* Selects `e`: the alternative alive ends, the one `e` names starts value-initialised. */          \
+    void select(E e) noexcept;
+
+// For choice record `<rec>_t`: the same, over a plain Tm_struct, and the definitions of the
+// members VRM_CHOICE_MEMBERS declared.
 #define VRM_CHOICE_API(rec)                                                                              \
+    inline rec##_t::rec##_t() noexcept { binding::choice_init(*this); }                                   \
+    inline rec##_t::rec##_t(const rec##_t& other) { binding::choice_copy(*this, other); }                 \
+    inline rec##_t::rec##_t(rec##_t&& other) noexcept { binding::choice_move(*this, other); }             \
+    inline rec##_t& rec##_t::operator=(const rec##_t& other) {                                           \
+        binding::choice_copy_assign(*this, other);                                                       \
+        return *this;                                                                                    \
+    }                                                                                                    \
+    inline rec##_t& rec##_t::operator=(rec##_t&& other) noexcept {                                       \
+        binding::choice_move_assign(*this, other);                                                       \
+        return *this;                                                                                    \
+    }                                                                                                    \
+    inline rec##_t::~rec##_t() { binding::choice_destroy(*this); }                                       \
+    inline void rec##_t::select(binding::selector_of<rec##_t> e) noexcept {                              \
+        binding::choice_select(*this, e);                                                                \
+    }                                                                                                    \
     inline constexpr const char* const(&rec##_t_names)[binding::Names<rec##_t>::count + 1] =              \
         binding::NamesArray<rec##_t>::value;                                                             \
     Tm_struct* rec##_t_to_struct(Tm_struct* target, const rec##_t* source, bool copy,                     \

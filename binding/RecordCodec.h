@@ -390,15 +390,15 @@ Tm_struct* choice_to_struct(Tm_struct* target, const R& rec, bool copy, Catalog*
     return target;
 }
 
-// Selects the first alternative present (in enumerator order), then reads it; with none
-// present the record is left as it was.
+// Selects the first alternative present (in enumerator order), which starts afresh, then
+// reads it; with none present the record is left as it was.
 template <class R>
 void choice_from_struct(const Tm_struct* source, R& rec) {
     constexpr auto d = description<R>();
     std::apply(
         [&](const auto&... a) {
             (void)((source->find_member(a.field.name, 0) != -1 &&
-                    (rec.*(d.selector) = a.value, read(source, a.field.name, 0, rec.*(a.field.member), a.field.form),
+                    (rec.select(a.value), read(source, a.field.name, 0, rec.*(a.field.member), a.field.form),
                      true)) ||
                    ...);
         },

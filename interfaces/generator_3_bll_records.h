@@ -332,9 +332,12 @@ VRM_RECORD_API(randomRate)
 
 // A port's rate: fixed or random between two rates.
 struct portRate_t {
-    rateMode_t rateMode = rateMode_t::FIXED;
-    rate_s fixed;
-    randomRate_s random;
+    binding::Selector<rateMode_t> rateMode;  // FIXED by default; changed with select()
+    union {
+        rate_s fixed;
+        randomRate_s random;
+    };
+    VRM_CHOICE_MEMBERS(portRate_t, rateMode_t)
 };
 constexpr auto describe(const portRate_t*) {
     using R = portRate_t;
@@ -910,22 +913,25 @@ VRM_RECORD_API(modBlockRateModifier)
 
 // One block setting's new value, chosen by modType.
 struct streamBlockModData_t {
-    sbModType_t modType = sbModType_t::ENABLED;
-    bool enabled = false;
-    bool errorContinuous = false;
-    bool errorFCS = false;
-    bool errorQuorvexSignatureCRC16 = false;
-    bool errorInnerFCS = false;
-    genFrmLenMode_t frameLenMode = genFrmLenMode_t::MIN;
-    int8_t frameLenStepExp = 0;
-    int16_t minFrameLength = 0;
-    int16_t maxFrameLength = 0;
-    int16_t fixedFrameLength = 0;
-    bool insertSigField = false;
-    genFillType_t fillType = genFillType_t::MIN;
-    int16_t fillConstant = 0;
-    genCustomPfc_s customPfc;
-    genUitCfg_s uitCfg;
+    binding::Selector<sbModType_t> modType;  // ENABLED by default; changed with select()
+    union {
+        bool enabled;
+        bool errorContinuous;
+        bool errorFCS;
+        bool errorQuorvexSignatureCRC16;
+        bool errorInnerFCS;
+        genFrmLenMode_t frameLenMode;
+        int8_t frameLenStepExp;
+        int16_t minFrameLength;
+        int16_t maxFrameLength;
+        int16_t fixedFrameLength;
+        bool insertSigField;
+        genFillType_t fillType;
+        int16_t fillConstant;
+        genCustomPfc_s customPfc;
+        genUitCfg_s uitCfg;
+    };
+    VRM_CHOICE_MEMBERS(streamBlockModData_t, sbModType_t)
 };
 constexpr auto describe(const streamBlockModData_t*) {
     using R = streamBlockModData_t;
@@ -998,16 +1004,19 @@ VRM_RECORD_API(genericStreamModData)
 
 // One stream field's new value, chosen by dataType.
 struct streamModData_t {
-    streamModDataType_t dataType = streamModDataType_t::GENERIC;
-    genericStreamModData_s generic;
-    ifSetup_1_bll::Ipv4Address_s srcIpv4Addr;
-    ifSetup_1_bll::Ipv4Address_s dstIpv4Addr;
-    ifSetup_1_bll::Ipv6Address_s srcIpv6Addr;
-    ifSetup_1_bll::Ipv6Address_s dstIpv6Addr;
-    uint16_t srcUdpPort = 0;
-    uint16_t dstUdpPort = 0;
-    uint16_t srcTcpPort = 0;
-    uint16_t dstTcpPort = 0;
+    binding::Selector<streamModDataType_t> dataType;  // GENERIC by default; changed with select()
+    union {
+        genericStreamModData_s generic;
+        ifSetup_1_bll::Ipv4Address_s srcIpv4Addr;
+        ifSetup_1_bll::Ipv4Address_s dstIpv4Addr;
+        ifSetup_1_bll::Ipv6Address_s srcIpv6Addr;
+        ifSetup_1_bll::Ipv6Address_s dstIpv6Addr;
+        uint16_t srcUdpPort;
+        uint16_t dstUdpPort;
+        uint16_t srcTcpPort;
+        uint16_t dstTcpPort;
+    };
+    VRM_CHOICE_MEMBERS(streamModData_t, streamModDataType_t)
 };
 constexpr auto describe(const streamModData_t*) {
     using R = streamModData_t;

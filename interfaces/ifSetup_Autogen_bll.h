@@ -114,8 +114,11 @@ VRM_RECORD_API(NetworkInterfaceStack)
 
 // A library parameter: only the member of the selected alternative is on the wire.
 struct ifSetupLibParam_t {
-    ifSetupLibParamType_t type = ifSetupLibParamType_t::CREATEDEFAULTROUTE;
-    bool createDefaultRoute = false;
+    binding::Selector<ifSetupLibParamType_t> type;  // CREATEDEFAULTROUTE by default; changed with select()
+    union {
+        bool createDefaultRoute;
+    };
+    VRM_CHOICE_MEMBERS(ifSetupLibParam_t, ifSetupLibParamType_t)
 };
 constexpr auto describe(const ifSetupLibParam_t*) {
     using R = ifSetupLibParam_t;

@@ -15,9 +15,9 @@
 #include <tuple>
 #include <type_traits>
 
+#include "binding/Choice.h"
 #include "binding/Describe.h"
 #include "binding/Method.h"
-#include "interfaces/ifSetup_Autogen_bll.h"
 #include "tools/streamgen/JsonRecord.h"
 
 namespace vrmpy {
@@ -77,11 +77,10 @@ py::dict record_to_py(const R& rec) {
     constexpr auto d = binding::description<R>();
     py::dict out;
     if constexpr (decltype(d)::is_choice) {
-        auto add = [&](const auto& a) {
-            if (rec.*(binding::description<R>().selector) == a.value)
-                out[a.field.name] = to_py(rec.*(a.field.member), a.field.form);
-        };
-        std::apply([&](const auto&... a) { (add(a), ...); }, d.alternatives);
+        // Only the alternative alive is read.
+        binding::ChoiceOf<R>::visit(rec.*(d.selector), [&](const auto& a) {
+            out[a.field.name] = to_py(rec.*(a.field.member), a.field.form);
+        });
     } else {
         std::apply([&](const auto&... f) { ((out[f.name] = to_py(rec.*(f.member), f.form)), ...); }, d.fields);
     }
@@ -122,46 +121,3 @@ R record_from_py(py::handle value, const std::string& path) {
 }
 
 }  // namespace vrmpy
-
-// --- choice records through the JSON reader ------------------------------------------------
-//
-// GCC 12 stops with an internal error on the JSON reader's choice branch (its lambdas use the
-// selector of a description held in a constexpr local). Choice records are therefore read
-// here, with the reader's messages, through overloads of read_record that the reader finds
-// by argument-dependent lookup and prefers to its own template.
-
-namespace vrmpy {
-
-template <class R>
-void read_choice(const Json& j, const std::string& path, R& rec) {
-    using streamgen::InputError;
-    if (!j.is_object()) throw InputError(path, "expected an object, got " + streamgen::json_kind(j));
-    if (j.size() != 1) throw InputError(path, "expected exactly one of: " + streamgen::field_names<R>());
-    const auto item = j.items().begin();
-    const std::string& key = item.key();
-    const std::string sub = streamgen::member_path(path, key);
-    bool found = false;
-    auto try_alternative = [&](const auto& a) {
-        if (found || key != a.field.name) return;
-        streamgen::read_form(item.value(), sub, rec.*(a.field.member), a.field.form);
-        rec.*(binding::description<R>().selector) = a.value;
-        found = true;
-    };
-    std::apply([&](const auto&... a) { (try_alternative(a), ...); }, binding::description<R>().alternatives);
-    if (!found) throw InputError(sub, "unknown key (expected one of: " + streamgen::field_names<R>() + ")");
-}
-
-}  // namespace vrmpy
-
-#define VRM_PY_READ_CHOICE(NS, R)                                                                         \
-    namespace NS {                                                                                        \
-    inline void read_record(const vrmpy::Json& j, const std::string& path, R& rec,                        \
-                            const std::vector<std::string>& = {}) {                                       \
-        vrmpy::read_choice(j, path, rec);                                                                 \
-    }                                                                                                     \
-    }
-VRM_PY_READ_CHOICE(Generator_3_bll, portRate_t)
-VRM_PY_READ_CHOICE(Generator_3_bll, streamBlockModData_t)
-VRM_PY_READ_CHOICE(Generator_3_bll, streamModData_t)
-VRM_PY_READ_CHOICE(IFSETUP_1_bll, ifSetupLibParam_t)
-#undef VRM_PY_READ_CHOICE

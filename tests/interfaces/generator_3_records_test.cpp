@@ -2,8 +2,11 @@
 // stops of bounded members and the choice records.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <iterator>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "interfaces/generator_3_bll.h"
@@ -198,6 +201,138 @@ TEST(Generator3Records, OverlongMembersEndTheStruct) {
 
 // --- choice records -------------------------------------------------------------------------------
 
+// The layout of a choice record: the selector first, then every alternative at one offset.
+template <std::size_t N>
+constexpr bool one_offset(const std::size_t (&offsets)[N]) {
+    for (std::size_t o : offsets)
+        if (o != offsets[0]) return false;
+    return offsets[0] >= sizeof(std::int32_t);
+}
+
+static_assert(std::is_standard_layout_v<portRate_t> && offsetof(portRate_t, rateMode) == 0 &&
+              sizeof(portRate_t::rateMode) == sizeof(std::int32_t));
+static_assert(one_offset({offsetof(portRate_t, fixed), offsetof(portRate_t, random)}));
+
+static_assert(std::is_standard_layout_v<streamBlockModData_t> &&
+              offsetof(streamBlockModData_t, modType) == 0 &&
+              sizeof(streamBlockModData_t::modType) == sizeof(std::int32_t));
+static_assert(one_offset(
+    {offsetof(streamBlockModData_t, enabled), offsetof(streamBlockModData_t, errorContinuous),
+     offsetof(streamBlockModData_t, errorFCS), offsetof(streamBlockModData_t, errorQuorvexSignatureCRC16),
+     offsetof(streamBlockModData_t, errorInnerFCS), offsetof(streamBlockModData_t, frameLenMode),
+     offsetof(streamBlockModData_t, frameLenStepExp), offsetof(streamBlockModData_t, minFrameLength),
+     offsetof(streamBlockModData_t, maxFrameLength), offsetof(streamBlockModData_t, fixedFrameLength),
+     offsetof(streamBlockModData_t, insertSigField), offsetof(streamBlockModData_t, fillType),
+     offsetof(streamBlockModData_t, fillConstant), offsetof(streamBlockModData_t, customPfc),
+     offsetof(streamBlockModData_t, uitCfg)}));
+
+static_assert(std::is_standard_layout_v<streamModData_t> && offsetof(streamModData_t, dataType) == 0 &&
+              sizeof(streamModData_t::dataType) == sizeof(std::int32_t));
+static_assert(one_offset({offsetof(streamModData_t, generic), offsetof(streamModData_t, srcIpv4Addr),
+                          offsetof(streamModData_t, dstIpv4Addr), offsetof(streamModData_t, srcIpv6Addr),
+                          offsetof(streamModData_t, dstIpv6Addr), offsetof(streamModData_t, srcUdpPort),
+                          offsetof(streamModData_t, dstUdpPort), offsetof(streamModData_t, srcTcpPort),
+                          offsetof(streamModData_t, dstTcpPort)}));
+
+// The selector changes only with the alternative alive (select()); records copy and move
+// whatever they hold, moves without throwing.
+static_assert(!std::is_assignable_v<decltype((std::declval<portRate_t&>().rateMode)), rateMode_t>);
+static_assert(!std::is_assignable_v<decltype((std::declval<streamModData_t&>().dataType)),
+                                    decltype(std::declval<streamModData_t&>().dataType)>);
+static_assert(std::is_nothrow_move_constructible_v<streamModData_t> &&
+              std::is_nothrow_move_assignable_v<streamModData_t>);
+static_assert(std::is_copy_constructible_v<streamModData_t> && std::is_copy_assignable_v<streamModData_t>);
+
+TEST(Generator3Records, ChoiceStartsWithItsFirstAlternative) {
+    const portRate_t rate;
+    EXPECT_TRUE(rate.rateMode == rateMode_t::FIXED);
+    EXPECT_EQ(rate.fixed.rateUnit, LoadProfile_1_bll::rateUnit_t::PERCENT_LINE_RATE);
+    EXPECT_EQ(rate.fixed.rate, 0u);
+    const streamBlockModData_t block;
+    EXPECT_TRUE(block.modType == sbModType_t::ENABLED);
+    EXPECT_FALSE(block.enabled);
+    const streamModData_t mod;
+    EXPECT_TRUE(mod.dataType == streamModDataType_t::GENERIC);
+    EXPECT_EQ(mod.generic.offsetReference, offsetReference_t::START_OF_FRAME);
+    EXPECT_EQ(mod.generic.offset, 0);
+    EXPECT_EQ(mod.generic.length, 0);
+    EXPECT_TRUE(mod.generic.data.empty());
+    EXPECT_EQ(ts::wire_layout(mod), "generic:struct");
+}
+
+TEST(Generator3Records, SelectStartsTheNamedAlternativeAfresh) {
+    streamModData_t mod;
+    mod.generic.offset = 7;
+    mod.generic.data = {1, 2, 3};
+    mod.select(streamModDataType_t::SRCUDPPORT);
+    EXPECT_TRUE(mod.dataType == streamModDataType_t::SRCUDPPORT);
+    EXPECT_EQ(mod.srcUdpPort, 0);
+    mod.srcUdpPort = 80;
+    mod.select(streamModDataType_t::SRCUDPPORT);
+    EXPECT_EQ(mod.srcUdpPort, 0);
+    mod.select(streamModDataType_t::GENERIC);
+    EXPECT_EQ(mod.generic.offset, 0);
+    EXPECT_TRUE(mod.generic.data.empty());
+    mod.generic.data.assign(100, 9);
+    mod.select(static_cast<streamModDataType_t>(42));  // no alternative alive
+    EXPECT_EQ(static_cast<int>(mod.dataType.value()), 42);
+    EXPECT_EQ(member_names(mod), Names{});
+    const streamModData_t copy = mod;
+    EXPECT_TRUE(copy == mod);
+    streamModData_t other;
+    EXPECT_FALSE(other == mod);
+    other = copy;
+    EXPECT_TRUE(other == mod);
+}
+
+TEST(Generator3Records, ChoiceRecordsCopyMoveAndCompareBySelection) {
+    streamModData_t generic;
+    generic.generic.data = {0xAA, 0xBB};
+    generic.generic.length = 2;
+    streamModData_t port;
+    port.select(streamModDataType_t::DSTUDPPORT);
+    port.dstUdpPort = 53;
+    streamModData_t port2;
+    port2.select(streamModDataType_t::SRCUDPPORT);
+    port2.srcUdpPort = 53;
+    EXPECT_FALSE(port == port2);  // same value, other alternative
+
+    streamModData_t a = generic;  // copy
+    EXPECT_TRUE(a == generic);
+    streamModData_t b = std::move(a);  // move
+    EXPECT_TRUE(b == generic);
+    a = port;  // copy over another alternative
+    EXPECT_TRUE(a == port);
+    a = generic;
+    EXPECT_TRUE(a == generic);
+    a.generic.data.push_back(0xCC);  // a copy owns its bytes
+    EXPECT_EQ(generic.generic.data.size(), 2u);
+    EXPECT_FALSE(a == generic);
+    a = generic;  // same alternative
+    EXPECT_TRUE(a == generic);
+    b = std::move(a);
+    EXPECT_TRUE(b == generic);
+    b = streamModData_t(port);  // move over another alternative
+    EXPECT_TRUE(b == port);
+    streamModData_t& self = b;
+    b = std::move(self);
+    EXPECT_TRUE(b == port);
+    b = static_cast<const streamModData_t&>(self);
+    EXPECT_TRUE(b == port);
+
+    // Containers move their elements as they grow.
+    std::vector<streamModData_t> mods;
+    for (int i = 0; i < 20; ++i) mods.push_back(i % 2 ? port : generic);
+    mods.erase(mods.begin());
+    EXPECT_TRUE(mods[0] == port && mods[1] == generic);
+    std::vector<streamModData_t> copies = mods;
+    EXPECT_TRUE(copies == mods);
+
+    streamModifier_s holder;
+    holder.modifier = port;
+    EXPECT_EQ(ts::through_wire(holder, true).modifier.dstUdpPort, 53);
+}
+
 TEST(Generator3Records, ChoiceCarriesOnlyTheSelectedAlternative) {
     struct Case {
         sbModType_t type;
@@ -210,29 +345,39 @@ TEST(Generator3Records, ChoiceCarriesOnlyTheSelectedAlternative) {
     };
     for (const Case& c : cases) {
         streamBlockModData_t value;
-        value.modType = c.type;
+        value.select(c.type);
         EXPECT_EQ(ts::wire_layout(value), c.layout);
     }
     streamModData_t addr;
-    addr.dataType = streamModDataType_t::DSTIPV6ADDR;
+    addr.select(streamModDataType_t::DSTIPV6ADDR);
     EXPECT_EQ(ts::wire_layout(addr), "dstIpv6Addr:struct");
-    addr.dataType = streamModDataType_t::SRCTCPPORT;
+    addr.select(streamModDataType_t::SRCTCPPORT);
     EXPECT_EQ(ts::wire_layout(addr), "srcTcpPort:uint16");
     portRate_t rate;
-    rate.rateMode = rateMode_t::RANDOM;
+    rate.select(rateMode_t::RANDOM);
     EXPECT_EQ(ts::wire_layout(rate), "random:struct");
-    rate.rateMode = static_cast<rateMode_t>(5);
+    rate.random.maxRate.rate = 9;
+    EXPECT_EQ(ts::through_wire(rate, false).random.maxRate.rate, 9u);
+    rate.select(static_cast<rateMode_t>(5));
     EXPECT_EQ(member_names(rate), Names{});
 
     // A struct holding none of the alternatives leaves the record as it was.
     streamModData_t mod;
-    mod.dataType = streamModDataType_t::DSTUDPPORT;
+    mod.select(streamModDataType_t::DSTUDPPORT);
     mod.dstUdpPort = 53;
     Tm_struct other;
     other.add_member("unrelated", 1);
     streamModData_t_from_struct(&other, &mod);
-    EXPECT_EQ(mod.dataType, streamModDataType_t::DSTUDPPORT);
+    EXPECT_TRUE(mod.dataType == streamModDataType_t::DSTUDPPORT);
     EXPECT_EQ(mod.dstUdpPort, 53);
+
+    // Reading another alternative ends the one alive and starts the one read.
+    streamModData_t generic;
+    generic.generic.data = {1, 2, 3, 4};
+    streamModData_t_from_struct(ts::holding(generic, true).get_member_struct(TMG_SEND, "record"), &mod);
+    EXPECT_TRUE(mod == generic);
+    streamModData_t_from_struct(ts::holding(addr, true).get_member_struct(TMG_SEND, "record"), &mod);
+    EXPECT_TRUE(mod == addr);
 }
 
 TEST(Generator3Records, ReadingReplacesVectorsAlreadyHeld) {

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <map>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -201,21 +204,38 @@ TEST(IfSetupStack, EmptyStackIsTwentyEmptyArraysAndDescriptorsCarryTypeNames) {
     ts::loop_record(stack, false);
 }
 
+// The layout of the choice record: the tag first, then the alternatives' shared storage.
+static_assert(std::is_standard_layout_v<ifa::ifSetupLibParam_t> &&
+              offsetof(ifa::ifSetupLibParam_t, type) == 0 &&
+              sizeof(ifa::ifSetupLibParam_t::type) == sizeof(int32_t));
+static_assert(offsetof(ifa::ifSetupLibParam_t, createDefaultRoute) == sizeof(int32_t));
+
 TEST(IfSetupLibParam, OnlyTheSelectedAlternativeIsWrittenAndRead) {
+    const ifa::ifSetupLibParam_t fresh;
+    EXPECT_TRUE(fresh.type == ifa::ifSetupLibParamType_t::CREATEDEFAULTROUTE);
+    EXPECT_FALSE(fresh.createDefaultRoute);
     for (int tag : {0, 1, -1}) {
-        ifa::ifSetupLibParam_t p{static_cast<ifa::ifSetupLibParamType_t>(tag), false};
+        ifa::ifSetupLibParam_t p;
+        p.select(static_cast<ifa::ifSetupLibParamType_t>(tag));
         EXPECT_EQ(ts::wire_layout(p), tag == 0 ? "createDefaultRoute:bool" : "") << tag;
     }
-    ifa::ifSetupLibParam_t read{static_cast<ifa::ifSetupLibParamType_t>(7), true};
+    // A struct without the alternative leaves the record as it was: an unknown tag, or the
+    // alternative with its value.
     Tm_struct other;
     other.add_member("somethingElse", false);
+    ifa::ifSetupLibParam_t read;
+    read.select(static_cast<ifa::ifSetupLibParamType_t>(7));
     ifa::ifSetupLibParam_t_from_struct(&other, &read);
-    EXPECT_EQ(static_cast<int>(read.type), 7);
+    EXPECT_EQ(static_cast<int>(read.type.value()), 7);
+    read.select(ifa::ifSetupLibParamType_t::CREATEDEFAULTROUTE);
+    read.createDefaultRoute = true;
+    ifa::ifSetupLibParam_t_from_struct(&other, &read);
     EXPECT_TRUE(read.createDefaultRoute);
     Tm_struct present;
     present.add_member("createDefaultRoute", false);
+    read.select(static_cast<ifa::ifSetupLibParamType_t>(7));
     ifa::ifSetupLibParam_t_from_struct(&present, &read);
-    EXPECT_EQ(read.type, ifa::ifSetupLibParamType_t::CREATEDEFAULTROUTE);
+    EXPECT_TRUE(read.type == ifa::ifSetupLibParamType_t::CREATEDEFAULTROUTE);
     EXPECT_FALSE(read.createDefaultRoute);
 }
 
@@ -292,7 +312,8 @@ TEST(IfSetupMethods, ParsersReplaceEarlierContentsOrRefuseARequest) {
     EXPECT_TRUE(gotHandles.empty());
 
     const Message request = ts::received(ifa::methods::GetInterfaces.response, TMT_REQUEST, handles, stacks);
-    std::vector<ifa::ifSetupLibParam_t> params{{ifa::ifSetupLibParamType_t::CREATEDEFAULTROUTE, true}};
+    std::vector<ifa::ifSetupLibParam_t> params(1);
+    params[0].createDefaultRoute = true;
     EXPECT_THROW(ifa::parse_resp_GetInterfaces(&request, gotHandles, gotStacks), Tm_type_mismatch_exception);
     EXPECT_THROW(ifa::parse_resp_GetStackedInterfaces(&request, gotHandles, gotStacks), Tm_type_mismatch_exception);
     EXPECT_THROW(ifa::parse_resp_GetInterfaceLibParams(&request, params), Tm_type_mismatch_exception);

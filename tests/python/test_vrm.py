@@ -169,6 +169,24 @@ class Messages(unittest.TestCase):
                 parsed = vrm.parse_response(module, method, vrm.response(module, method, **members))
                 self.assertEqual({k: parsed[k] for k in members}, members)
 
+    def test_choice_records_carry_their_one_alternative(self):
+        rate = {"random": {"minRate": {"rateUnit": "L2_RATE", "rate": 5}, "maxRate": {"rate": 9}}}
+        members = vrm.decode(vrm.request("Generator_3", "SetCommonCfg", config={"rate": rate}))["members"]
+        self.assertEqual(list(members["config"]["rate"]), ["random"])
+        parsed = vrm.parse_response("Generator_3", "GetCommonCfg", vrm.response("Generator_3", "GetCommonCfg",
+                                                                               genCfg={"rate": rate}))
+        self.assertEqual(parsed["genCfg"]["rate"]["random"]["minRate"], {"rateUnit": "L2_RATE", "rate": 5})
+        self.assertEqual(parsed["genCfg"]["rate"]["random"]["maxRate"]["rate"], 9)
+        default = vrm.parse_response("Generator_3", "GetCommonCfg", vrm.response("Generator_3", "GetCommonCfg"))
+        self.assertEqual(list(default["genCfg"]["rate"]), ["fixed"])
+        modifiers = [{"fillType": "PRBS"}, {"customPfc": {"customPfcPriority": 3}}, {"enabled": True}]
+        decoded = vrm.decode(vrm.request("Generator_3", "ModAllStreamBlocks", modifiers=modifiers))
+        self.assertEqual(decoded["members"]["modifiers"],
+                         [{"fillType": "PRBS"}, {"customPfc": {"customPfcEnabled": False, "customPfcPriority": 3}},
+                          {"enabled": True}])
+        with self.assertRaisesRegex(ValueError, r"modifiers\[0\]: expected exactly one of: enabled, "):
+            vrm.request("Generator_3", "ModAllStreamBlocks", modifiers=[{"enabled": True, "errorFCS": True}])
+
     def test_request_members_as_python_values(self):
         decoded = vrm.decode(vrm.request("Generator_3", "ControlArray", action="STOP", blockId=[3, 4]))
         self.assertEqual(decoded, {"kind": "request", "name": "Generator_3.ControlArray",

@@ -82,7 +82,7 @@ public:
             std::size_t i = 0;
             std::apply(
                 [&](const auto&... a) {
-                    ((i++ == chosen ? (r.*(d.selector) = a.value, fill(r.*(a.field.member), a.field.form), 0) : 0),
+                    ((i++ == chosen ? (r.select(a.value), fill(r.*(a.field.member), a.field.form), 0) : 0),
                      ...);
                 },
                 d.alternatives);

@@ -30,6 +30,7 @@
 #include <utility>
 #include <vector>
 
+#include "binding/Choice.h"
 #include "binding/Describe.h"
 #include "interfaces/generator_3_bll_records.h"
 #include "platform/tm_enum_map.h"
@@ -191,6 +192,25 @@ std::string field_names() {
     return names;
 }
 
+// Reads choice record `rec` from object `j`, which has exactly one member: the alternative,
+// selected (so starting from its defaults) before it is read.
+template <class R>
+void read_choice(const Json& j, const std::string& path, R& rec) {
+    if (j.size() != 1) throw InputError(path, "expected exactly one of: " + field_names<R>());
+    const auto item = j.items().begin();
+    const std::string& key = item.key();
+    const std::string sub = member_path(path, key);
+    bool found = false;
+    auto try_alternative = [&](const auto& a) {
+        if (found || key != a.field.name) return;
+        found = true;
+        rec.select(a.value);
+        read_form(item.value(), sub, rec.*(a.field.member), a.field.form);
+    };
+    std::apply([&](const auto&... a) { (try_alternative(a), ...); }, binding::ChoiceOf<R>::desc.alternatives);
+    if (!found) throw InputError(sub, "unknown key (expected one of: " + field_names<R>() + ")");
+}
+
 // Reads the members of object `j` into record `rec`; keys listed in `skip` are left to the
 // caller.
 template <class R>
@@ -198,21 +218,7 @@ void read_record(const Json& j, const std::string& path, R& rec, const std::vect
     if (!j.is_object()) throw InputError(path, "expected an object, got " + json_kind(j));
     constexpr auto d = binding::description<R>();
     if constexpr (decltype(d)::is_choice) {
-        if (j.size() != 1) {
-            throw InputError(path, "expected exactly one of: " + field_names<R>());
-        }
-        const auto item = j.items().begin();
-        const std::string& key = item.key();
-        const std::string sub = member_path(path, key);
-        bool found = false;
-        auto try_alternative = [&](const auto& a) {
-            if (found || key != a.field.name) return;
-            read_form(item.value(), sub, rec.*(a.field.member), a.field.form);
-            rec.*(d.selector) = a.value;
-            found = true;
-        };
-        std::apply([&](const auto&... a) { (try_alternative(a), ...); }, d.alternatives);
-        if (!found) throw InputError(sub, "unknown key (expected one of: " + field_names<R>() + ")");
+        read_choice(j, path, rec);
     } else {
         for (const auto& item : j.items()) {
             const std::string& key = item.key();
