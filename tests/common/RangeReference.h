@@ -1,5 +1,5 @@
 // Test support: an independent model of the values a range modifier produces, computed with
-// the compiler's 128-bit integers from the closed forms of the four modes.
+// the compiler's 128-bit integers from the closed forms of the four modes; record builders.
 #pragma once
 
 #include <cstdint>
@@ -118,6 +118,16 @@ inline Generator_3_bll::rangeModifier_s MakeRange(const Bytes& initial, const By
     r.stutterCount = stutter;
     r.useStream = stream;
     return r;
+}
+
+inline Generator_3_bll::tableModifier_s MakeTable(const std::vector<Bytes>& values, unsigned int stutter,
+                                                  bool stream = true, const char* name = "t") {
+    Generator_3_bll::tableModifier_s t;
+    t.offsetReference = name;
+    for (const Bytes& v : values) t.data.push_back(Generator_3_bll::modifierData_s{v});
+    t.stutterCount = stutter;
+    t.useStream = stream;
+    return t;
 }
 
 }  // namespace range_reference
