@@ -7,53 +7,26 @@
 #include <vector>
 
 #include "support/Thrown.h"
-#include "common/Modifier.h"
+#include "RangeReference.h"
+#include "common/RootModifier.h"
+#include "common/TableModifier.h"
 
 namespace {
 
+using range_reference::Bytes;
 using vrm::common::Modifier;
-using Bytes = std::vector<unsigned char>;
+using vrm::common::TableModifier;
 
-const Bytes kValue = {0x0A, 0xBC};
-
-// A minimal concrete modifier: its own recycle count, the child stutter count the chaining
-// logic sets, and a fixed value whose last byte GetValueAt raises by the index.
-class TestModifier : public Modifier {
-  public:
-    explicit TestModifier(unsigned int recycle = 1, bool stream = true) : m_recycle(recycle), m_stream(stream) {}
-
-    bool Validate(std::ostringstream*) override { return true; }
-    void ToRpc(Generator_3_bll::streamBlock_s&) override {}
-    bool IsStreamModifier() const override { return m_stream; }
-    void SetEnableStream(bool enable) override { m_stream = enable; }
-    void SetStutterCount(unsigned int) override {}
-    unsigned int GetStutterCount() const override { return 0; }
-    void SetTotalCount(unsigned int) override {}
-    unsigned int GetTotalCount() const override { return 0; }
-    unsigned int GetEffectiveRecycleCount() const override { return (m_childStutter + 1) * m_recycle; }
-    unsigned int GetChildStutterCount() const override { return m_childStutter; }
-    unsigned int GetRelativeOffset() const override { return 0; }
-    std::string GetOffsetReference() const override { return "test"; }
-    unsigned char GetDataSizeInBytes() const override { return static_cast<unsigned char>(m_value.size()); }
-    void Reset() override {}
-    void Next() override {}
-    void UpdateChildStutterCount(unsigned int count) override { m_childStutter = count; }
-    void GetValue(Bytes& value) override { value = m_value; }
-    void GetValueAt(Bytes& value, unsigned int index) override {
-        value = m_value;
-        value.back() = static_cast<unsigned char>(value.back() + index);
-    }
-    bool IsAllZero(const Bytes& value) { return value == Bytes(value.size(), 0); }
-    using Modifier::SetFrameDataSupported;
-
-    unsigned int m_recycle;
-    bool m_stream;
-    unsigned int m_childStutter = 0;
-    Bytes m_value = kValue;
-};
+// A table of `count` two-byte values 0A BC, 0A BD, ...: a modifier that recycles after `count` frames.
+Generator_3_bll::tableModifier_s Values(unsigned int count, bool stream = true) {
+    std::vector<Bytes> values;
+    for (unsigned int i = 0; i < count; ++i) values.push_back({0x0A, static_cast<unsigned char>(0xBC + i)});
+    return range_reference::MakeTable(values, 0, stream);
+}
 
 TEST(ModifierChain, ChildStutterFollowsTheLinks) {
-    TestModifier grandparent, parent, four(4), six(6), zero(0), nonStream(2, false);
+    TableModifier grandparent(Values(1)), parent(Values(1)), four(Values(4)), six(Values(6)), nonStream(Values(2, false));
+    TableModifier zero;  // an empty list never repeats
     EXPECT_TRUE(grandparent.AddChildModifier(parent));
     EXPECT_TRUE(parent.AddChildModifier(four));
     EXPECT_EQ(parent.GetChildStutterCount(), 3u);
@@ -81,17 +54,17 @@ TEST(ModifierChain, ChildStutterFollowsTheLinks) {
     EXPECT_EQ(parent.GetChildStutterCount(), 0u);
     EXPECT_EQ(grandparent.GetChildStutterCount(), 0u);
     // More children than the fixed buffer holds: lcm(1 .. 9).
-    std::vector<std::unique_ptr<TestModifier>> children;
+    std::vector<std::unique_ptr<TableModifier>> children;
     for (unsigned int r = 1; r <= 9; ++r) {
-        children.push_back(std::make_unique<TestModifier>(r));
+        children.push_back(std::make_unique<TableModifier>(Values(r)));
         parent.AddChildModifier(*children.back());
     }
     EXPECT_EQ(parent.GetChildStutterCount(), 2519u);
 }
 
 TEST(ModifierChain, DeletionRemoveAllAndCycles) {
-    TestModifier first, second, three(3);
-    auto four = std::make_unique<TestModifier>(4);
+    TableModifier first(Values(1)), second(Values(1)), three(Values(3));
+    auto four = std::make_unique<TableModifier>(Values(4));
     first.AddChildModifier(*four);
     second.AddChildModifier(*four);
     first.AddChildModifier(three);
@@ -106,7 +79,7 @@ TEST(ModifierChain, DeletionRemoveAllAndCycles) {
     first.ChildUpdate();
     EXPECT_EQ(first.GetChildStutterCount(), 0u);
     // A cycle of links ends.
-    TestModifier a(2), b(3);
+    TableModifier a(Values(2)), b(Values(3));
     EXPECT_TRUE(a.AddParentModifier(a));
     EXPECT_TRUE(a.AddChildModifier(b));
     EXPECT_TRUE(b.AddChildModifier(a));
@@ -145,7 +118,10 @@ TEST(ModifierArithmetic, FindLcmGcdAndMaskOffsetAdjust) {
 }
 
 TEST(ModifierFrame, PacksCurrentAndIndexedValues) {
-    TestModifier m;
+    struct NoFrameData : TableModifier {
+        using TableModifier::SetFrameDataSupported;
+        using TableModifier::TableModifier;
+    } m(Values(3));
     Bytes frame(4, 0xFF);
     EXPECT_EQ(Thrown([&] { m.ModifyBytes(frame, false); }),
               "Attempting to use modifier without setting field parameters\n");
@@ -182,16 +158,16 @@ TEST(ModifierFrame, PacksCurrentAndIndexedValues) {
 }
 
 TEST(ModifierParallel, OwnershipAndRefusals) {
-    TestModifier owner;
-    auto first = std::make_unique<TestModifier>();
-    TestModifier* raw = first.get();
+    TableModifier owner(Values(1));
+    auto first = std::make_unique<TableModifier>(Values(1));
+    TableModifier* raw = first.get();
     EXPECT_TRUE(owner.AddParallelModifier(std::move(first), true));
     EXPECT_EQ(first, nullptr);
     EXPECT_TRUE(raw->GetParallelFlag());
 
     std::unique_ptr<Modifier> none;
     EXPECT_FALSE(owner.AddParallelModifier(std::move(none), true));
-    std::unique_ptr<Modifier> nonStream = std::make_unique<TestModifier>(1, false);
+    std::unique_ptr<Modifier> nonStream = std::make_unique<TableModifier>(Values(1, false));
     EXPECT_FALSE(owner.AddParallelModifier(std::move(nonStream), true));
     EXPECT_NE(nonStream, nullptr);  // refused: the caller still owns it
     std::unique_ptr<Modifier> again(raw);
@@ -199,7 +175,7 @@ TEST(ModifierParallel, OwnershipAndRefusals) {
     EXPECT_EQ(again.release(), raw);
     EXPECT_TRUE(raw->GetParallelFlag());
 
-    EXPECT_TRUE(owner.AddParallelModifier(std::make_unique<TestModifier>(), false));
+    EXPECT_TRUE(owner.AddParallelModifier(std::make_unique<TableModifier>(Values(1)), false));
     std::vector<Modifier*> released = {nullptr};
     owner.ReleaseParallelModifiers(released);
     ASSERT_EQ(released.size(), 2u);
@@ -211,12 +187,15 @@ TEST(ModifierParallel, OwnershipAndRefusals) {
 }
 
 TEST(ModifierNotReady, PredicateOnCurrentValue) {
-    TestModifier m;
+    struct Checker : vrm::common::RootModifier {
+        Checker() : RootModifier(true) {}
+        bool IsAllZero(const Bytes& value) { return value == Bytes(value.size(), 0); }
+    } checker;
+    TableModifier m(range_reference::MakeTable({{0x0A, 0xBC}, {0, 0}}, 0));
     EXPECT_FALSE(m.CurrentValueIndicatesIfNotReady(0));
-    TestModifier checker;
-    m.BindNotReadyCheck(&checker, static_cast<Modifier::NotReadyCheck>(&TestModifier::IsAllZero));
+    m.BindNotReadyCheck(&checker, static_cast<Modifier::NotReadyCheck>(&Checker::IsAllZero));
     EXPECT_FALSE(m.CurrentValueIndicatesIfNotReady(5));
-    m.m_value = {0, 0};
+    m.Next();
     EXPECT_TRUE(m.CurrentValueIndicatesIfNotReady(5));
     m.BindNotReadyCheck(nullptr, nullptr);
     EXPECT_FALSE(m.CurrentValueIndicatesIfNotReady(5));
