@@ -133,16 +133,4 @@ TEST(RandomGenerator, JumpEqualsSteppingAndJumpsCompose) {
     }
 }
 
-TEST(RandomGenerator, PeriodOfTheRegister) {
-    // Back to any non-zero 32-bit state after 2^32 - 1 steps and not after a proper divisor.
-    const unsigned int period = 0xFFFFFFFFu;
-    for (std::uint64_t seed : {1ull, 0x8806A731ull, 0xDEADBEEFull}) {
-        EXPECT_EQ(RandomRegisterAdvance(seed, period), seed);
-        for (unsigned int factor : {3u, 5u, 17u, 257u, 65537u})
-            EXPECT_NE(RandomRegisterAdvance(seed, period / factor), seed) << factor;
-    }
-    // A state with the register's top bit set leaves it after one step.
-    EXPECT_EQ(RandomRegisterAdvance(0x100000000ull, period), RandomRegisterAdvance(0x80000000ull, period - 1));
-}
-
 }  // namespace
