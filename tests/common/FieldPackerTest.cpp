@@ -89,13 +89,14 @@ TEST(FieldPacker, GeometryMaskAndPacking) {
     }
 }
 
-TEST(FieldPacker, ConstructionErrorsHaveTheirKindAndText) {
+// Each refusal with its kind and text, and the geometries exactly at the limits.
+TEST(FieldPacker, ConstructionLimitsKindsAndTexts) {
     const std::string beyond = "Modifier's relative offset (";
     const std::string beyondEnd = ") goes beyond field boundary (field length in bits: 16\n";
     const struct {
         Geometry geometry;
         bool outOfRange;  // else std::invalid_argument
-        std::string text;
+        std::string text;  // empty: accepted
     } cases[] = {
         {{0, 0, 0, 1}, false, "Field bit length is zero\n"},
         {{0, 8, 0, 0}, false, "Modifier data is zero\n"},
@@ -111,24 +112,20 @@ TEST(FieldPacker, ConstructionErrorsHaveTheirKindAndText) {
         {{3, 10, 0, 2, 0, 17}, false,
          "Mask offset adjust goes beyond field boundary: \nAbsolute bit offset: 3\nmaskOffsetAdjust in bits: 17\n"
          "dataSize: 2\nrelative bit offset: 3\n field bit length: 10\n"},
+        {{4, 12, 1, 1}, false, ""},         // relByte + dataSize equals the field's byte count
+        {{0, 17, 2, 1}, false, ""},         // relByte * 8 just below the bit length
+        {{3, 10, 0, 2, 0, 16}, false, ""},  // mask offset equal to the field's bits
+        {{0, 16, 0, 2, 0, 16, false, {0x00, 0x00}}, false, ""},
     };
     for (const auto& c : cases) {
-        if (c.outOfRange) {
+        if (c.text.empty()) {
+            EXPECT_NO_THROW(Make(c.geometry));
+        } else if (c.outOfRange) {
             EXPECT_EQ(Thrown<std::out_of_range>([&] { Make(c.geometry); }), c.text);
         } else {
             EXPECT_EQ(Thrown<std::invalid_argument>([&] { Make(c.geometry); }), c.text);
         }
     }
-}
-
-TEST(FieldPacker, AcceptsGeometriesExactlyAtTheLimits) {
-    const Geometry limits[] = {
-        {4, 12, 1, 1},         // relByte + dataSize equals the field's byte count
-        {0, 17, 2, 1},         // relByte * 8 just below the bit length
-        {3, 10, 0, 2, 0, 16},  // mask offset equal to the field's bits
-        {0, 16, 0, 2, 0, 16, false, {0x00, 0x00}},
-    };
-    for (const Geometry& g : limits) EXPECT_NO_THROW(Make(g));
 }
 
 TEST(FieldPacker, FrameMustHoldTheWindow) {

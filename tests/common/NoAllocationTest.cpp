@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "RangeReference.h"
 #include "common/GenericRangeModifier.h"
 #include "common/FramePlan.h"
 #include "common/RangeModifier.h"
@@ -60,12 +61,7 @@ int AllocationsOf(F&& f) {
 
 // Frame operations of a modifier and its packer, on an aligned and an unaligned field.
 TEST(NoAllocation, ModifierFrameOperations) {
-    Generator_3_bll::rangeModifier_s r;
-    r.initialValue.data = {0, 0, 0, 1};
-    r.stepValue.data = {0, 0, 0, 1};
-    r.mask.data = {0xFF, 0xFF, 0xFF, 0xFF};
-    r.recycleCount = 1000;
-    r.useStream = true;
+    const auto r = range_reference::MakeRange({0, 0, 0, 1}, {0, 0, 0, 1}, Bytes(4, 0xFF), 0, 1000, 0);
     for (unsigned int offset : {96u, 99u}) {
         vrm::common::RangeModifier m(r);
         m.SetFieldParams(offset, 32);
@@ -116,14 +112,9 @@ TEST(NoAllocation, Generators) {
 // and every thread's frames equal those stamped alone.
 TEST(NoAllocation, FramePlanStampFromThreads) {
     Generator_3_bll::streamBlock_s block;
-    Generator_3_bll::rangeModifier_s counter;
+    // A long period: values computed, not looked up.
+    auto counter = range_reference::MakeRange({0, 0, 0, 9}, {0, 0, 0, 3}, {0x0F, 0xFF, 0xFF, 0xFF}, 0, 100000, 0);
     counter.modIndex = 1;
-    counter.offsetReference = "counter";
-    counter.initialValue.data = {0, 0, 0, 9};
-    counter.stepValue.data = {0, 0, 0, 3};
-    counter.mask.data = {0x0F, 0xFF, 0xFF, 0xFF};
-    counter.recycleCount = 100000;  // long period: values computed, not looked up
-    counter.useStream = true;
     Generator_3_bll::rangeModifier_s random = counter;
     random.modIndex = 2;
     random.mode = Generator_3_bll::configModMode_t::RANDOM;
