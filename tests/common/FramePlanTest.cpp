@@ -205,30 +205,34 @@ TEST(FramePlan, StampsExactlyThePerFrameBytesOnRandomBlocks) {
     EXPECT_GT(compared, 300);
 }
 
-// Starting anywhere, also inside a run that a total count cuts short.
+// Starting anywhere, also inside a run that a total count cuts short, and in a table whose
+// total count spans several walks through its list without a short cycle.
 TEST(FramePlan, EveryStartOfRunsCutByTotalCounts) {
     streamBlock_s block;
     block.rangeModifiers = {MakeRange({0x10}, {1}, {0xFF}, 0, 5, 2), MakeRange({0x10}, {1}, {0xFF}, 0, 5, 4)};
     block.rangeModifiers[0].modIndex = 1;
     block.rangeModifiers[1].modIndex = 3;  // a total count shorter than one run
-    block.tableModifiers = {MakeTable({{0xA0}, {0xB0}, {0xC0}}, 1)};
+    block.tableModifiers = {MakeTable({{0xA0}, {0xB0}, {0xC0}}, 1), MakeTable({{1}, {2}, {3}}, 0)};
     block.tableModifiers[0].modIndex = 2;
+    block.tableModifiers[1].modIndex = 4;
     StreamBlockModifiers mods(block);
     mods.At(0).SetTotalCount(4);
     mods.At(1).SetTotalCount(5);
     mods.At(2).SetTotalCount(3);
+    mods.At(3).SetTotalCount(10000);
     ASSERT_TRUE(mods.Validate(nullptr));
     mods.SetFieldParams(1, 0, 8);
     mods.SetFieldParams(2, 8, 8);
     mods.SetFieldParams(3, 16, 8);
-    const Bytes frameTemplate(3, 0);
+    mods.SetFieldParams(4, 24, 8);
+    const Bytes frameTemplate(4, 0);
     const FramePlan plan = mods.MakeFramePlan(frameTemplate);
     const std::vector<Bytes> expected = PerFrame(mods, frameTemplate, 0, 60);
     for (std::uint64_t first = 0; first < 40; ++first) {
-        Bytes out(3 * 20);
-        plan.Stamp(first, 20, out.data(), 3);
+        Bytes out(4 * 20);
+        plan.Stamp(first, 20, out.data(), 4);
         for (std::size_t k = 0; k < 20; ++k)
-            ASSERT_EQ(Bytes(out.begin() + 3 * k, out.begin() + 3 * k + 3), expected[first + k]) << first << "+" << k;
+            ASSERT_EQ(Bytes(out.begin() + 4 * k, out.begin() + 4 * k + 4), expected[first + k]) << first << "+" << k;
     }
 }
 

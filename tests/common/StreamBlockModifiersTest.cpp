@@ -41,22 +41,22 @@ tableModifier_s Table(unsigned int modIndex, std::uint16_t offset, const std::ve
     return t;
 }
 
-// Three chained modifiers, table 5 (outer) -> range 2 (middle) -> range 9 (inner), recorded out
-// of modIndex order.
+// Three chained modifiers, table 5 (outer) -> range 2 (middle) -> range 9 (inner), and a lone
+// table 7, recorded out of modIndex order.
 TEST(StreamBlockModifiers, WholeBlockInFramesOutAndBackIntoTheBlock) {
     streamBlock_s in;
     in.name = "chain";
     in.rangeModifiers = {Range(9, 2, 3), Range(2, 1, 0)};  // recycle 0: normalised to 1 by validation
     in.rangeModifiers[1].stutterCount = 1;
-    in.tableModifiers = {Table(5, 3, {{0xAA}, {0xBB}})};
+    in.tableModifiers = {Table(7, 4, {{0x01}}), Table(5, 3, {{0xAA}, {0xBB}})};
     in.modLinks = {modLinkDesc_s{5, {2}}, modLinkDesc_s{2, {9}}};
     StreamBlockModifiers mods(in);
-    ASSERT_EQ(mods.Size(), 3u);
+    ASSERT_EQ(mods.Size(), 4u);
     EXPECT_EQ(mods.At(0).GetModIndex(), 2u);
     EXPECT_EQ(mods.At(1).GetModIndex(), 5u);
-    EXPECT_EQ(mods.At(2).GetModIndex(), 9u);
-    EXPECT_EQ(mods.Find(7), nullptr);
-    EXPECT_THROW(mods.At(3), std::out_of_range);
+    EXPECT_EQ(mods.At(3).GetModIndex(), 9u);
+    EXPECT_EQ(mods.Find(6), nullptr);
+    EXPECT_THROW(mods.At(4), std::out_of_range);
 
     std::ostringstream errors;
     ASSERT_TRUE(mods.Validate(&errors)) << errors.str();
@@ -68,14 +68,14 @@ TEST(StreamBlockModifiers, WholeBlockInFramesOutAndBackIntoTheBlock) {
     EXPECT_EQ(mods.Root().GetEffectiveRecycleCount(), 12u);
     EXPECT_TRUE(mods.Root().IsStreamModifier());
 
-    mods.SetFieldParamsFromFrameStart(4);
+    mods.SetFieldParamsFromFrameStart(5);
     mods.Reset();
     std::vector<Bytes> frames;
     for (unsigned int f = 0; f < 14; ++f) {
-        Bytes frame(4, 0xEE);
+        Bytes frame(5, 0xEE);
         mods.ModifyBytes(frame);
         frames.push_back(frame);
-        Bytes indexed(4, 0xEE);
+        Bytes indexed(5, 0xEE);
         mods.ModifyBytesAtIndex(indexed, f);
         EXPECT_EQ(indexed, frame) << f;
         mods.Next();
@@ -83,7 +83,7 @@ TEST(StreamBlockModifiers, WholeBlockInFramesOutAndBackIntoTheBlock) {
     for (unsigned int f = 0; f < 14; ++f) {
         const unsigned char outer = (f % 12) < 6 ? 0xAA : 0xBB;
         const unsigned char inner = static_cast<unsigned char>(0x10 + f % 3);
-        EXPECT_EQ(frames[f], (Bytes{0xEE, 0x10, inner, outer})) << f;
+        EXPECT_EQ(frames[f], (Bytes{0xEE, 0x10, inner, outer, 0x01})) << f;
     }
 
     streamBlock_s out = in;
