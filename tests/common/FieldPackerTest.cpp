@@ -128,9 +128,9 @@ TEST(FieldPacker, ConstructionLimitsKindsAndTexts) {
     }
 }
 
-TEST(FieldPacker, FrameMustHoldTheWindow) {
-    // Window: frame bytes 3..4.
-    auto packer = Make({8, 32, 2, 2});
+// The frame must hold the window and the value the bytes packed; nothing is written otherwise.
+TEST(FieldPacker, FrameAndValueMustHoldTheWindow) {
+    auto packer = Make({8, 32, 2, 2});  // window: frame bytes 3..4
     for (const size_t frameSize : {6, 5, 4, 3, 0}) {
         Bytes frame(frameSize, 0);
         Bytes value = {0x12, 0x34};
@@ -144,10 +144,7 @@ TEST(FieldPacker, FrameMustHoldTheWindow) {
         EXPECT_EQ(Thrown<std::out_of_range>([&] { packer->ZeroBytes(frame); }), text);
         EXPECT_EQ(Thrown<std::out_of_range>([&] { packer->ZeroBytes(frame, 0, 1); }), text);
     }
-}
-
-TEST(FieldPacker, ShortValueRejectedBeforeAnyByteIsWritten) {
-    auto packer = Make({0, 32, 0, 3, 1});  // needs 3 bytes after 1 skipped byte
+    packer = Make({0, 32, 0, 3, 1});  // needs 3 bytes after 1 skipped byte
     Bytes frame(4, 0x5A);
     Bytes value = {0xBB, 0xCC, 0xDD};
     EXPECT_EQ(Thrown([&] { packer->StuffBytes(frame, value, false); }),
@@ -193,36 +190,33 @@ TEST(FieldPacker, AppendModeAppendsOneWindowPerCall) {
     EXPECT_EQ(out, (Bytes{0x01, 0x15, 0x60, 0x00, 0x00}));
 }
 
-// Every frame operation throws std::logic_error with `text`.
-void ExpectFrameOperationsRefused(FieldPacker& packer, const std::string& text) {
-    Bytes value = {1}, frame(4, 0);
-    const std::function<void()> ops[] = {
-        [&] { packer.GetAbsoluteOffset(); },        [&] { packer.GetAbsoluteBitOffset(); },
-        [&] { packer.GetAbsoluteBitOffsetOrig(); }, [&] { packer.GetFieldBitLength(); },
-        [&] { packer.GetFieldBitLengthOrig(); },    [&] { packer.StuffBytes(frame, value, false); },
-        [&] { packer.ZeroBytes(frame); },           [&] { packer.ZeroBytes(frame, 0, 1); },
+// The null packer passes values through; both it and the packer of a modifier never placed
+// refuse every frame operation with their texts.
+TEST(FieldPacker, NullAndInvalidPackersRefuseFrames) {
+    auto expectRefused = [](FieldPacker& packer, const std::string& text) {
+        Bytes value = {1}, frame(4, 0);
+        const std::function<void()> ops[] = {
+            [&] { packer.GetAbsoluteOffset(); },        [&] { packer.GetAbsoluteBitOffset(); },
+            [&] { packer.GetAbsoluteBitOffsetOrig(); }, [&] { packer.GetFieldBitLength(); },
+            [&] { packer.GetFieldBitLengthOrig(); },    [&] { packer.StuffBytes(frame, value, false); },
+            [&] { packer.ZeroBytes(frame); },           [&] { packer.ZeroBytes(frame, 0, 1); },
+        };
+        for (const auto& op : ops) EXPECT_EQ(Thrown(op), text);
     };
-    for (const auto& op : ops) EXPECT_EQ(Thrown(op), text);
-}
-
-TEST(FieldPacker, NullPackerPassesValuesThroughAndRefusesFrames) {
-    auto packer = FieldPacker::CreateNull();
+    auto null = FieldPacker::CreateNull();
     Bytes value = {1, 2}, out = {9};
-    packer->GetBytes(out, value, false);
+    null->GetBytes(out, value, false);
     EXPECT_EQ(out, value);
-    packer->GetBytes(out, value, true);
+    null->GetBytes(out, value, true);
     EXPECT_EQ(out, (Bytes{1, 2, 1, 2}));
-    packer->GetBytes(out, out, true);
+    null->GetBytes(out, out, true);
     EXPECT_EQ(out, (Bytes{1, 2, 1, 2, 1, 2, 1, 2}));
-    ExpectFrameOperationsRefused(*packer, "Modifier does not support frame data related operations\n");
-}
+    expectRefused(*null, "Modifier does not support frame data related operations\n");
 
-TEST(FieldPacker, InvalidPackerRefusesEverything) {
     const std::string text = "Attempting to use modifier without setting field parameters\n";
-    auto packer = FieldPacker::CreateInvalid();
-    ExpectFrameOperationsRefused(*packer, text);
-    Bytes out, value = {1};
-    EXPECT_EQ(Thrown([&] { packer->GetBytes(out, value, false); }), text);
+    auto invalid = FieldPacker::CreateInvalid();
+    expectRefused(*invalid, text);
+    EXPECT_EQ(Thrown([&] { invalid->GetBytes(out, value, false); }), text);
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 
 #include <cstdint>
 #include <random>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>

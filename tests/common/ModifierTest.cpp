@@ -3,18 +3,27 @@
 #include <memory>
 #include <sstream>
 #include <stdexcept>
-#include <string>
 #include <vector>
 
 #include "support/Thrown.h"
 #include "RangeReference.h"
+#include "common/ModifierFactory.h"
+#include "common/ModifierGroup.h"
+#include "common/ModifierManager.h"
+#include "common/RangeModifier.h"
 #include "common/RootModifier.h"
 #include "common/TableModifier.h"
 
 namespace {
 
 using range_reference::Bytes;
+using range_reference::MakeRange;
 using vrm::common::Modifier;
+using vrm::common::ModifierFactory;
+using vrm::common::ModifierGroup;
+using vrm::common::ModifierManager;
+using vrm::common::ModifierType;
+using vrm::common::RangeModifier;
 using vrm::common::TableModifier;
 
 // A table of `count` two-byte values 0A BC, 0A BD, ...: a modifier that recycles after `count` frames.
@@ -199,6 +208,57 @@ TEST(ModifierNotReady, PredicateOnCurrentValue) {
     EXPECT_TRUE(m.CurrentValueIndicatesIfNotReady(5));
     m.BindNotReadyCheck(nullptr, nullptr);
     EXPECT_FALSE(m.CurrentValueIndicatesIfNotReady(5));
+}
+
+// Types 0 and 1 replace the owner's modifier by a default range or table modifier (stream
+// modifiers both); any other type leaves it alone.
+TEST(ModifierFactory, CreateModifierByType) {
+    for (int type : {0, 1, 2, -1, 1000}) {
+        std::unique_ptr<Modifier> owner;
+        ModifierFactory::CreateRootModifier(false, owner);
+        Modifier* before = owner.get();
+        ModifierFactory::CreateModifier(static_cast<ModifierType>(type), owner);
+        const bool range = dynamic_cast<RangeModifier*>(owner.get()) != nullptr;
+        const bool table = dynamic_cast<TableModifier*>(owner.get()) != nullptr;
+        EXPECT_EQ(range, type == 0) << type;
+        EXPECT_EQ(table, type == 1) << type;
+        EXPECT_EQ(owner.get() == before, !range && !table) << type;
+        EXPECT_EQ(owner->IsStreamModifier(), range || table) << type;
+    }
+}
+
+TEST(ModifierGroup, ListingRemovalAndValidation) {
+    std::unique_ptr<ModifierGroup> group;
+    ModifierFactory::CreateModifierGroup(group);
+    ASSERT_NE(group, nullptr);
+    EXPECT_TRUE(group->Validate(nullptr));
+    auto good = ModifierFactory::CreateModifier(MakeRange({1}, {1}, {0xFF}, 0, 1, 0, true, "good"));
+    auto bad1 = ModifierFactory::CreateModifier(MakeRange({1}, {1}, {0xFF}, 5, 1, 0, true, "bad1"));
+    auto bad2 = ModifierFactory::CreateModifier(MakeRange({1}, {1}, {0xFF}, 6, 1, 0, true, "bad2"));
+    EXPECT_TRUE(group->AddModifier(*good));
+    EXPECT_FALSE(group->AddModifier(*good));
+    EXPECT_TRUE(group->AddModifier(*bad1));
+    EXPECT_TRUE(group->AddModifier(*bad2));
+    std::ostringstream errors;
+    EXPECT_FALSE(group->Validate(&errors));
+    EXPECT_EQ(errors.str(), "Modifier bad1 mode is invalid.\n");  // stops at the first failure
+    group->RemoveModifier(*bad1);
+    ASSERT_EQ(group->GetModifiers().size(), 2u);
+    EXPECT_EQ(group->GetModifiers()[1], bad2.get());
+    group->RemoveModifier(*bad2);
+    EXPECT_TRUE(group->Validate(nullptr));
+}
+
+TEST(ModifierManager, ListingAndRemoval) {
+    ModifierManager manager;
+    ModifierGroup g1, g2, g3;
+    EXPECT_TRUE(manager.AddModifierGroup(g1));
+    EXPECT_FALSE(manager.AddModifierGroup(g1));
+    EXPECT_TRUE(manager.AddModifierGroup(g2));
+    EXPECT_TRUE(manager.AddModifierGroup(g3));
+    manager.RemoveModifierGroup(g2);
+    manager.RemoveModifierGroup(g2);
+    EXPECT_EQ(manager.GetModifierGroups(), (std::vector<ModifierGroup*>{&g1, &g3}));
 }
 
 }  // namespace

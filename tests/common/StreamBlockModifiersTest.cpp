@@ -24,6 +24,8 @@ using Generator_3_bll::tableModifier_s;
 using range_reference::Bytes;
 using range_reference::MakeRange;
 using range_reference::MakeTable;
+using vrm::common::Modifier;
+using vrm::common::ModifierFactory;
 using vrm::common::StreamBlockModifiers;
 
 rangeModifier_s Range(unsigned int modIndex, std::uint16_t offset, unsigned int recycle, bool stream = true) {
@@ -70,20 +72,15 @@ TEST(StreamBlockModifiers, WholeBlockInFramesOutAndBackIntoTheBlock) {
 
     mods.SetFieldParamsFromFrameStart(5);
     mods.Reset();
-    std::vector<Bytes> frames;
-    for (unsigned int f = 0; f < 14; ++f) {
-        Bytes frame(5, 0xEE);
-        mods.ModifyBytes(frame);
-        frames.push_back(frame);
-        Bytes indexed(5, 0xEE);
-        mods.ModifyBytesAtIndex(indexed, f);
-        EXPECT_EQ(indexed, frame) << f;
-        mods.Next();
-    }
     for (unsigned int f = 0; f < 14; ++f) {
         const unsigned char outer = (f % 12) < 6 ? 0xAA : 0xBB;
         const unsigned char inner = static_cast<unsigned char>(0x10 + f % 3);
-        EXPECT_EQ(frames[f], (Bytes{0xEE, 0x10, inner, outer, 0x01})) << f;
+        Bytes frame(5, 0xEE), indexed(5, 0xEE);
+        mods.ModifyBytes(frame);
+        mods.ModifyBytesAtIndex(indexed, f);
+        EXPECT_EQ(frame, (Bytes{0xEE, 0x10, inner, outer, 0x01})) << f;
+        EXPECT_EQ(indexed, frame) << f;
+        mods.Next();
     }
 
     streamBlock_s out = in;
@@ -123,8 +120,6 @@ TEST(StreamBlockModifiers, EmptyBlock) {
     EXPECT_EQ(frame, (Bytes{1, 2}));
 }
 
-}  // namespace
-
 // Linking a whole block at once gives what linking one modifier at a time through the
 // Modifier interface gives: the same link problems, in the same order, and the same repeat
 // counts after validation. The reference links in record order, checks cycles by walking the
@@ -152,20 +147,18 @@ TEST(StreamBlockModifiers, BulkLinkingEqualsLinkingOneByOne) {
         const bool valid = mods.Validate(&bulk);
 
         // The reference.
-        std::vector<std::unique_ptr<vrm::common::Modifier>> owned;
-        for (const auto& r : block.rangeModifiers) owned.push_back(vrm::common::ModifierFactory::CreateModifier(r));
-        std::vector<vrm::common::Modifier*> byIndex;
+        std::vector<std::unique_ptr<Modifier>> owned;
+        for (const auto& r : block.rangeModifiers) owned.push_back(ModifierFactory::CreateModifier(r));
+        std::vector<Modifier*> byIndex;
         for (auto& m : owned) byIndex.push_back(m.get());
         std::stable_sort(byIndex.begin(), byIndex.end(),
                          [](auto* a, auto* b) { return a->GetModIndex() < b->GetModIndex(); });
-        auto find = [&](unsigned int index) -> vrm::common::Modifier* {
-            for (auto* m : byIndex) {
-                if (m->GetModIndex() == index) return m;
-            }
-            return nullptr;
+        auto find = [&](unsigned int index) -> Modifier* {
+            const auto it = std::find_if(byIndex.begin(), byIndex.end(), [&](auto* m) { return m->GetModIndex() == index; });
+            return it == byIndex.end() ? nullptr : *it;
         };
-        std::map<vrm::common::Modifier*, std::vector<vrm::common::Modifier*>> made;
-        std::function<bool(vrm::common::Modifier*, vrm::common::Modifier*)> reaches = [&](auto* from, auto* to) {
+        std::map<Modifier*, std::vector<Modifier*>> made;
+        std::function<bool(Modifier*, Modifier*)> reaches = [&](auto* from, auto* to) {
             if (from == to) return true;
             for (auto* c : made[from]) {
                 if (reaches(c, to)) return true;
@@ -202,8 +195,8 @@ TEST(StreamBlockModifiers, BulkLinkingEqualsLinkingOneByOne) {
         }
         bool allStream = true;
         for (auto& m : owned) allStream = allStream && m->IsStreamModifier();
-        std::unique_ptr<vrm::common::Modifier> root;
-        vrm::common::ModifierFactory::CreateRootModifier(allStream, root);
+        std::unique_ptr<Modifier> root;
+        ModifierFactory::CreateRootModifier(allStream, root);
         for (auto* m : byIndex) {
             if (!m->HasParent() && !root->AddChildModifier(*m)) {
                 expected << "Modifier " << m->GetOffsetReference() << " (modIndex " << m->GetModIndex()
@@ -224,3 +217,5 @@ TEST(StreamBlockModifiers, BulkLinkingEqualsLinkingOneByOne) {
         owned.clear();
     }
 }
+
+}  // namespace

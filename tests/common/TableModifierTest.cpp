@@ -55,7 +55,7 @@ TEST(TableModifier, SequencesWithRepeatChildRepeatAndTotalCount) {
     }
 }
 
-TEST(TableModifier, ConstructionFromEmptyListAndDefaults) {
+TEST(TableModifier, EmptyListsAndIndexQueriesOutsideTheList) {
     EXPECT_EQ(Thrown<std::invalid_argument>([] { TableModifier m(MakeTable({}, 0)); }),
               "TableModifier::TableModifier : data array is empty\n");
     TableModifier d;
@@ -64,6 +64,16 @@ TEST(TableModifier, ConstructionFromEmptyListAndDefaults) {
     EXPECT_THROW(d.Next(), std::logic_error);
     EXPECT_THROW(d.GetValue(value), std::logic_error);
     EXPECT_THROW(d.GetValueAt(value, 0), std::logic_error);
+    // A period longer than the list walks off its end; frames per value can wrap to 0.
+    TableModifier m(MakeTable({A, B, C}, 0));
+    m.SetTotalCount(5);
+    m.GetValueAt(value, 2);
+    EXPECT_EQ(value, C);
+    EXPECT_THROW(m.GetValueAt(value, 3), std::out_of_range);
+    m.SetTotalCount(0);
+    m.SetStutterCount(0xFFFFFFFFu);
+    m.UpdateChildStutterCount(0);
+    EXPECT_THROW(m.GetValueAt(value, 3), std::logic_error);
 }
 
 TEST(TableModifier, ValidationLinesInOrder) {
@@ -129,19 +139,6 @@ TEST(TableModifier, GetAdjustedModifierGivesTheWindowBytes) {
     m.GetAdjustedModifier(out);
     r.data = {{{0x0B, 0xCD}}, {{0x02, 0x34}}};
     EXPECT_EQ(out, r);
-}
-
-TEST(TableModifier, IndexQueryPastTheListIsOutOfRange) {
-    TableModifier m(MakeTable({A, B, C}, 0));
-    m.SetTotalCount(5);  // period 5 over a list of 3: positions 3 and 4 do not exist
-    Bytes value;
-    m.GetValueAt(value, 2);
-    EXPECT_EQ(value, C);
-    EXPECT_THROW(m.GetValueAt(value, 3), std::out_of_range);
-    m.SetTotalCount(0);
-    m.SetStutterCount(0xFFFFFFFFu);
-    m.UpdateChildStutterCount(0);  // frames per value wrap to 0
-    EXPECT_THROW(m.GetValueAt(value, 3), std::logic_error);
 }
 
 }  // namespace
