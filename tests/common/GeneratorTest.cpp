@@ -18,17 +18,11 @@ using vrm::common::RandomRegisterStep;
 template <unsigned int N>
 using Value = typename GenericRangeModifierInterface<N>::value_type;
 
+// The low eight bytes from `low`, every byte above them `high`.
 template <unsigned int N>
-Value<N> Make(std::uint64_t low) {
+Value<N> Make(std::uint64_t low, unsigned char high = 0) {
     Value<N> v;
-    for (unsigned int i = 0; i < N && i < 8; ++i) v[i] = static_cast<unsigned char>(low >> (8 * i));
-    return v;
-}
-
-template <unsigned int N>
-Value<N> Ones() {
-    Value<N> v;
-    for (unsigned int i = 0; i < N; ++i) v[i] = 0xFF;
+    for (unsigned int i = 0; i < N; ++i) v[i] = i < 8 ? static_cast<unsigned char>(low >> (8 * i)) : high;
     return v;
 }
 
@@ -42,7 +36,7 @@ std::uint64_t Low(const Value<N>& v) {
 // Stepping from any read cursor gives what index lookups give, mid-stutter and far out
 // (for a shuffle only without stutter: its cursor takes the modulus before the division).
 TEST(Generators, SteppingFromACursorEqualsRandomAccess) {
-    GenericRangeModifierImpl<16> range(Make<16>(0x100), Make<16>(3), Ones<16>(), 2);
+    GenericRangeModifierImpl<16> range(Make<16>(0x100), Make<16>(3), Make<16>(~0ull, 0xFF), 2);
     GenericShuffleModifierImpl<2> shuffle(Make<2>(0x100), Make<2>(0x10), Make<2>(0x0FF0), 0, 7);
     GenericRandomModifierImpl<8> random(Make<8>(0xCAFEF00D), Make<8>(0xFFFF00FF), 3);
     auto stepVersusIndex = [](auto& g, unsigned int start, const char* name) {
@@ -66,7 +60,7 @@ TEST(Generators, SteppingFromACursorEqualsRandomAccess) {
 
 TEST(Generators, DegenerateCounts) {
     // The largest stutter: one value for every index.
-    GenericRangeModifierImpl<4> g(Make<4>(7), Make<4>(1), Ones<4>(), 0xFFFFFFFFu);
+    GenericRangeModifierImpl<4> g(Make<4>(7), Make<4>(1), Make<4>(~0ull), 0xFFFFFFFFu);
     Value<4> v;
     g.GetValueAt(0xFFFFFFFFu, v);
     EXPECT_EQ(Low<4>(v), 7u);
@@ -74,7 +68,7 @@ TEST(Generators, DegenerateCounts) {
     g.GetNextValue(v);
     EXPECT_EQ(Low<4>(v), 7u);
     // A shuffle over zero values behaves as over one.
-    GenericShuffleModifierImpl<4> s(Make<4>(9), Make<4>(1), Ones<4>(), 0, 0);
+    GenericShuffleModifierImpl<4> s(Make<4>(9), Make<4>(1), Make<4>(~0ull), 0, 0);
     s.SetReadCursor(0);
     s.GetNextValue(v);
     EXPECT_EQ(Low<4>(v), 9u);

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "RangeReference.h"
+#include "common/FramePlan.h"
 #include "common/ModifierFactory.h"
 #include "common/StreamBlockModifiers.h"
 #include "interfaces/generator_3_bll_records.h"
@@ -118,6 +119,9 @@ TEST(StreamBlockModifiers, EmptyBlock) {
     mods.ModifyBytes(frame);
     mods.Next();
     EXPECT_EQ(frame, (Bytes{1, 2}));
+    Bytes frames(7, 0);
+    mods.MakeFramePlan(frame).Stamp(5, 3, frames.data(), 2);
+    EXPECT_EQ(frames, (Bytes{1, 2, 1, 2, 1, 2, 0}));
 }
 
 // Linking a whole block at once gives what linking one modifier at a time through the
