@@ -62,13 +62,16 @@ TEST(ModifierChain, ChildStutterFollowsTheLinks) {
     parent.RemoveChildModifier(four);
     EXPECT_EQ(parent.GetChildStutterCount(), 0u);
     EXPECT_EQ(grandparent.GetChildStutterCount(), 0u);
-    // More children than the fixed buffer holds: lcm(1 .. 9).
+    // More children than the fixed buffer holds, the last repeating each of its 9 values three
+    // times: lcm(1 .. 8, 27).
     std::vector<std::unique_ptr<TableModifier>> children;
     for (unsigned int r = 1; r <= 9; ++r) {
-        children.push_back(std::make_unique<TableModifier>(Values(r)));
+        auto record = Values(r);
+        record.stutterCount = r == 9 ? 2 : 0;
+        children.push_back(std::make_unique<TableModifier>(record));
         parent.AddChildModifier(*children.back());
     }
-    EXPECT_EQ(parent.GetChildStutterCount(), 2519u);
+    EXPECT_EQ(parent.GetChildStutterCount(), 7559u);
 }
 
 TEST(ModifierChain, DeletionRemoveAllAndCycles) {
