@@ -198,7 +198,8 @@ TEST(FramePlan, StampsExactlyThePerFrameBytesOnRandomBlocks) {
         Bytes through(r.frameLength * 64), direct(r.frameLength * 16);
         plan.Stamp(beyond - 48, 64, through.data(), r.frameLength);
         plan.Stamp(beyond, 16, direct.data(), r.frameLength);
-        ASSERT_TRUE(std::equal(direct.begin(), direct.end(), through.begin() + static_cast<long>(48 * r.frameLength)));
+        ASSERT_TRUE(
+            std::equal(direct.begin(), direct.end(), through.begin() + static_cast<long>(48 * r.frameLength)));
         ++compared;
     }
     EXPECT_GT(compared, 300);

@@ -80,8 +80,9 @@ TEST(Generators, DegenerateCounts) {
 
 TEST(RandomGenerator, JumpEqualsSteppingAndJumpsCompose) {
     std::mt19937 rng(7);
-    for (unsigned int seed : {1u, 0xFFFFFFFFu, 0x12345678u, static_cast<unsigned int>(rng())}) {
-        // Every index of a stretch, then sparse indexes up to two million.
+    const std::uint64_t seeds[] = {1, 0xFFFFFFFF, 0x112345678, rng()};
+    for (const std::uint64_t seed : seeds) {
+        // Every index of a stretch, then sparse indexes up to two million; one state uses bit 32.
         std::uint64_t state = seed;
         unsigned int next = 0;
         for (unsigned int steps = 0; steps <= 2000000; ++steps) {

@@ -34,8 +34,8 @@ Generator_3_bll::tableModifier_s Values(unsigned int count, bool stream = true) 
 }
 
 TEST(ModifierChain, ChildStutterFollowsTheLinks) {
-    TableModifier grandparent(Values(1)), parent(Values(1)), four(Values(4)), six(Values(6)), nonStream(Values(2, false));
-    TableModifier zero;  // an empty list never repeats
+    TableModifier grandparent(Values(1)), parent(Values(1)), four(Values(4)), six(Values(6));
+    TableModifier nonStream(Values(2, false)), zero;  // an empty list never repeats
     EXPECT_TRUE(grandparent.AddChildModifier(parent));
     EXPECT_TRUE(parent.AddChildModifier(four));
     EXPECT_EQ(parent.GetChildStutterCount(), 3u);
@@ -107,11 +107,12 @@ TEST(ModifierArithmetic, FindLcmGcdAndMaskOffsetAdjust) {
         {{65536, 65537}, 0},            // 2^32 + 2^16 does not fit 32 bits
         {{65521, 65519, 65497, 3}, 0},  // intermediate products beyond 32 bits
     };
-    for (const auto& c : lcms) EXPECT_EQ(Modifier::FindLcm(c.values), c.lcm) << ::testing::PrintToString(c.values);
+    for (const auto& c : lcms) EXPECT_EQ(Modifier::FindLcm(c.values), c.lcm) << testing::PrintToString(c.values);
 
     const struct {
         unsigned long a, b, gcd;
-    } gcds[] = {{12, 18, 6}, {18, 12, 6}, {17, 5, 1}, {7, 0, 7}, {0, 7, 7}, {0, 0, 0}, {1ul << 40, 1ul << 20, 1ul << 20}};
+    } gcds[] = {{12, 18, 6}, {18, 12, 6}, {17, 5, 1},  {7, 0, 7},
+                {0, 7, 7},   {0, 0, 0},   {1ul << 40, 1ul << 20, 1ul << 20}};
     for (const auto& c : gcds) EXPECT_EQ(Modifier::Gcd(c.a, c.b), c.gcd) << c.a << "," << c.b;
 
     const struct {
@@ -175,8 +176,7 @@ TEST(ModifierParallel, OwnershipAndRefusals) {
     EXPECT_EQ(first, nullptr);
     EXPECT_TRUE(raw->GetParallelFlag());
 
-    std::unique_ptr<Modifier> none;
-    EXPECT_FALSE(owner.AddParallelModifier(std::move(none), true));
+    EXPECT_FALSE(owner.AddParallelModifier(nullptr, true));
     std::unique_ptr<Modifier> nonStream = std::make_unique<TableModifier>(Values(1, false));
     EXPECT_FALSE(owner.AddParallelModifier(std::move(nonStream), true));
     EXPECT_NE(nonStream, nullptr);  // refused: the caller still owns it

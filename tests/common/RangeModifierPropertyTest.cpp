@@ -62,11 +62,12 @@ Descriptor RandomDescriptor(std::mt19937& rng) {
 
 std::string Describe(const Descriptor& d) {
     const auto& r = d.record;
-    return "mode " + std::to_string(static_cast<int>(r.mode)) + " width " + std::to_string(r.initialValue.data.size()) +
-           " stream " + std::to_string(r.useStream) + " recycle " + std::to_string(r.recycleCount) + " stutter " +
-           std::to_string(r.stutterCount) + " child " + std::to_string(d.childStutter) + " total " +
-           std::to_string(d.total) + " bit offset " + std::to_string(d.absoluteBitOffset) + " bit length " +
-           std::to_string(d.bitLength) + " mask " + ::testing::PrintToString(r.mask.data);
+    return "mode " + std::to_string(static_cast<int>(r.mode)) + " width " +
+           std::to_string(r.initialValue.data.size()) + " stream " + std::to_string(r.useStream) +
+           " recycle " + std::to_string(r.recycleCount) + " stutter " + std::to_string(r.stutterCount) +
+           " child " + std::to_string(d.childStutter) + " total " + std::to_string(d.total) + " bit offset " +
+           std::to_string(d.absoluteBitOffset) + " bit length " + std::to_string(d.bitLength) + " mask " +
+           testing::PrintToString(r.mask.data);
 }
 
 TEST(RangeModifierProperty, RandomDescriptors) {

@@ -152,7 +152,8 @@ TEST(RangeModifierImplFactory, OneEnginePerWidthOneToSixteenAndItsErrors) {
             expectNoGenerator(m, "width of " + std::to_string(n) + " bytes");
         }
     }
-    RangeModifier mode4(MakeRange({1}, {1}, {0xFF}, 4, 1, 0)), modeMinus3(MakeRange({1}, {1}, {0xFF}, -3, 1, 0)), none;
+    RangeModifier mode4(MakeRange({1}, {1}, {0xFF}, 4, 1, 0)), none;
+    RangeModifier modeMinus3(MakeRange({1}, {1}, {0xFF}, -3, 1, 0));
     expectNoGenerator(mode4, "mode 4");
     expectNoGenerator(modeMinus3, "mode 4294967293");
     expectNoGenerator(none, "width of 0 bytes");

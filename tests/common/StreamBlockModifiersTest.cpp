@@ -158,8 +158,8 @@ TEST(StreamBlockModifiers, BulkLinkingEqualsLinkingOneByOne) {
         std::stable_sort(byIndex.begin(), byIndex.end(),
                          [](auto* a, auto* b) { return a->GetModIndex() < b->GetModIndex(); });
         auto find = [&](unsigned int index) -> Modifier* {
-            const auto it = std::find_if(byIndex.begin(), byIndex.end(), [&](auto* m) { return m->GetModIndex() == index; });
-            return it == byIndex.end() ? nullptr : *it;
+            for (auto* m : byIndex) if (m->GetModIndex() == index) return m;
+            return nullptr;
         };
         std::map<Modifier*, std::vector<Modifier*>> made;
         std::function<bool(Modifier*, Modifier*)> reaches = [&](auto* from, auto* to) {

@@ -103,7 +103,8 @@ TEST(TableModifier, ValidationLinesInOrder) {
     };
     for (const auto& c : cases) {
         // An empty list cannot be constructed; a default modifier stands for it.
-        auto m = c.record.data.empty() ? std::make_unique<TableModifier>() : std::make_unique<TableModifier>(c.record);
+        auto m = c.record.data.empty() ? std::make_unique<TableModifier>()
+                                       : std::make_unique<TableModifier>(c.record);
         m->SetOffsetReference("x");
         m->SetTotalCount(c.total);
         std::ostringstream errors;
@@ -116,17 +117,14 @@ TEST(TableModifier, ValidationLinesInOrder) {
 TEST(TableModifier, UpdateAppliesChildRepeatAndResets) {
     TableModifier m(MakeTable({A, B}, 0));
     m.Next();
-    Bytes value;
-    m.GetValue(value);
-    EXPECT_EQ(value, B);
     m.UpdateChildStutterCount(1);
     ASSERT_TRUE(m.Update(nullptr));
-    m.GetValue(value);
-    EXPECT_EQ(value, A);
-    m.Next();
-    m.Next();
-    m.GetValue(value);
-    EXPECT_EQ(value, B);
+    Bytes value;
+    for (const Bytes& expected : {A, A, B}) {
+        m.GetValue(value);
+        EXPECT_EQ(value, expected);
+        m.Next();
+    }
 }
 
 TEST(TableModifier, GetAdjustedModifierGivesTheWindowBytes) {
