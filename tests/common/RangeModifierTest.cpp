@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -16,51 +15,43 @@
 namespace {
 
 using Generator_3_bll::rangeModifier_s;
-using Generator_3_bll::streamBlock_s;
 using range_reference::Bytes;
 using range_reference::Counts;
 using range_reference::MakeRange;
 using vrm::common::RangeModifier;
 using vrm::common::RangeModifierImplFactory;
 
-// --- validation ----------------------------------------------------------------------------
-
-struct ValidateCase {
-    const char* label;
-    rangeModifier_s record;
-    unsigned int total;
-    bool valid;
-    std::string text;
-};
-
+// Each check in order with its exact line; a recycle count of 0 becomes 1 only when valid.
 TEST(RangeModifierValidate, EachCheckInOrderWithItsExactLine) {
     const Bytes b4{0, 0, 0, 1};
     const Bytes b3{0, 0, 1};
-    const std::string longText =
-        "Streamblocks with stream generation disabled need device modifiers to have total device count as "
-        "multiple of (recycle count * (repeat count + 1)). Modifier ip.src, Total count 10, Recycle count 4, "
-        "Repeat count 0.\n";
-    const std::vector<ValidateCase> cases = {
+    const std::string total = "Streamblocks with stream generation disabled need device modifiers to have total "
+                              "device count as multiple of (recycle count * (repeat count + 1)). Modifier ip.src, ";
+    const struct {
+        const char* label;
+        rangeModifier_s record;
+        unsigned int total;
+        bool valid;
+        std::string text;
+    } cases[] = {
         {"mask shorter, mode also invalid", MakeRange(b4, b4, b3, 7, 1, 0, true, "ip.src"), 0, false,
          "Modifier ip.src initial, step and mask value do not match.\n"},
         {"step shorter", MakeRange(b4, b3, b4, 0, 1, 0, true, "ip.src"), 0, false,
          "Modifier ip.src initial, step and mask value do not match.\n"},
         {"all empty", MakeRange({}, {}, {}, 0, 1, 0, true, "ip.src"), 0, false,
          "Modifier ip.src initial value is empty.\n"},
-        {"mode 4", MakeRange(b4, b4, b4, 4, 1, 0, true, "ip.src"), 0, false,
-         "Modifier ip.src mode is invalid.\n"},
+        {"mode 4", MakeRange(b4, b4, b4, 4, 0, 0, true, "ip.src"), 0, false, "Modifier ip.src mode is invalid.\n"},
         {"negative mode", MakeRange(b4, b4, b4, -1, 1, 0, true, "ip.src"), 0, false,
          "Modifier ip.src mode is invalid.\n"},
         {"mode 3 passes", MakeRange(b4, b4, b4, 3, 1, 0, true, "ip.src"), 0, true, ""},
-        {"total not a multiple", MakeRange(b4, b4, b4, 0, 4, 0, false, "ip.src"), 10, false, longText},
+        {"total not a multiple", MakeRange(b4, b4, b4, 0, 4, 0, false, "ip.src"), 10, false,
+         total + "Total count 10, Recycle count 4, Repeat count 0.\n"},
         {"total a multiple", MakeRange(b4, b4, b4, 0, 3, 1, false, "ip.src"), 12, true, ""},
         {"stream skips the total test", MakeRange(b4, b4, b4, 0, 4, 0, true, "ip.src"), 10, true, ""},
         {"no total count", MakeRange(b4, b4, b4, 0, 4, 0, false, "ip.src"), 0, true, ""},
         {"recycle 0 skips the total test", MakeRange(b4, b4, b4, 0, 0, 0, false, "ip.src"), 7, true, ""},
         {"product wraps to 0", MakeRange(b4, b4, b4, 0, 0x80000000u, 1, false, "ip.src"), 7, false,
-         "Streamblocks with stream generation disabled need device modifiers to have total device count as "
-         "multiple of (recycle count * (repeat count + 1)). Modifier ip.src, Total count 7, Recycle count "
-         "2147483648, Repeat count 1.\n"},
+         total + "Total count 7, Recycle count 2147483648, Repeat count 1.\n"},
     };
     for (const auto& c : cases) {
         RangeModifier m(c.record);
@@ -68,45 +59,19 @@ TEST(RangeModifierValidate, EachCheckInOrderWithItsExactLine) {
         std::ostringstream errors;
         EXPECT_EQ(m.Validate(&errors), c.valid) << c.label;
         EXPECT_EQ(errors.str(), c.text) << c.label;
-        RangeModifier silent(c.record);
-        silent.SetTotalCount(c.total);
-        EXPECT_EQ(silent.Validate(nullptr), c.valid) << c.label;
+        const unsigned int recycle = c.record.recycleCount;
+        EXPECT_EQ(m.GetRecycleCount(), c.valid && recycle == 0 ? 1u : recycle) << c.label;
+        EXPECT_EQ(m.Validate(nullptr), c.valid) << c.label;
     }
 }
 
-TEST(RangeModifierValidate, ZeroRecycleCountBecomesOneOnlyWhenValid) {
-    RangeModifier valid(MakeRange({1}, {1}, {0xFF}, 0, 0, 0));
-    EXPECT_TRUE(valid.Validate(nullptr));
-    EXPECT_EQ(valid.GetRecycleCount(), 1u);
-    RangeModifier invalid(MakeRange({1}, {1}, {0xFF}, 9, 0, 0));
-    EXPECT_FALSE(invalid.Validate(nullptr));
-    EXPECT_EQ(invalid.GetRecycleCount(), 0u);
-}
-
-// --- counts and byte indexes ---------------------------------------------------------------
-
-TEST(RangeModifier, EffectiveRecycleCount) {
-    RangeModifier m(MakeRange({1}, {1}, {0xFF}, 0, 5, 2));
-    m.UpdateChildStutterCount(1);
-    EXPECT_EQ(m.GetEffectiveRecycleCount(), 30u);
-    m.SetTotalCount(100);
-    EXPECT_EQ(m.GetEffectiveRecycleCount(), 200u);
-}
-
-struct IndexCase {
-    Bytes step;
-    Bytes mask;
-    bool stream;
-    unsigned int stepIndex;
-    unsigned int msbMaskIndex;
-    unsigned int ls;
-    unsigned int ms;
-};
-
 TEST(RangeModifier, StepAndMaskByteIndexes) {
     const Bytes ones8(8, 0xFF);
-    // clang-format off
-    const std::vector<IndexCase> cases = {
+    const struct {
+        Bytes step, mask;
+        bool stream;
+        unsigned int stepIndex, msbMaskIndex, ls, ms;
+    } cases[] = {
         {{0, 0, 0, 0, 0, 1, 0, 0}, ones8, true, 5, 0, 5, 5},
         {{0, 0, 0, 0, 1, 0, 0, 0}, ones8, true, 4, 0, 4, 4},
         {{0, 0, 1, 0, 0, 0, 0, 0}, ones8, true, 3, 0, 2, 2},
@@ -121,29 +86,24 @@ TEST(RangeModifier, StepAndMaskByteIndexes) {
         {{0, 0, 0, 1}, {0, 0, 0, 0}, true, 3, 4, 3, 3},
         {{1, 0, 0, 0, 0}, {0, 0, 0, 0, 1}, false, 3, 4, 0, 0},
     };
-    // clang-format on
-    for (std::size_t i = 0; i < cases.size(); ++i) {
-        const auto& c = cases[i];
-        const Bytes init(c.step.size(), 0);
-        RangeModifier m(MakeRange(init, c.step, c.mask, 0, 1, 0, c.stream));
-        EXPECT_EQ(m.GetStepByteIndex(), c.stepIndex) << i;
-        EXPECT_EQ(m.GetMsbMaskByteIndex(), c.msbMaskIndex) << i;
-        EXPECT_EQ(m.GetLSStepByteIndex(), c.ls) << i;
-        EXPECT_EQ(m.GetMSStepByteIndex(), c.ms) << i;
+    for (const auto& c : cases) {
+        RangeModifier m(MakeRange(Bytes(c.step.size(), 0), c.step, c.mask, 0, 1, 0, c.stream));
+        const std::string label = ::testing::PrintToString(c.step) + " " + ::testing::PrintToString(c.mask);
+        EXPECT_EQ(m.GetStepByteIndex(), c.stepIndex) << label;
+        EXPECT_EQ(m.GetMsbMaskByteIndex(), c.msbMaskIndex) << label;
+        EXPECT_EQ(m.GetLSStepByteIndex(), c.ls) << label;
+        EXPECT_EQ(m.GetMSStepByteIndex(), c.ms) << label;
     }
 }
-
-// --- sequences -----------------------------------------------------------------------------
 
 // The closed forms are checked on random descriptors in RangeModifierPropertyTest; these
 // pin the closed forms themselves.
 TEST(RangeModifierSequence, SmallExamples) {
-    struct Case {
+    const struct {
         rangeModifier_s record;
         Counts counts;
         std::vector<unsigned int> expected;  // one-byte values
-    };
-    const std::vector<Case> cases = {
+    } cases[] = {
         {MakeRange({10}, {2}, {0xFF}, 0, 3, 0), {}, {10, 12, 14, 10, 12, 14, 10}},
         {MakeRange({10}, {2}, {0xFF}, 0, 3, 0), {0, 5}, {10, 12, 14, 10, 12, 10, 12, 14}},
         {MakeRange({10}, {2}, {0xFF}, 0, 2, 0), {1, 0}, {10, 10, 12, 12, 10, 10}},
@@ -154,7 +114,7 @@ TEST(RangeModifierSequence, SmallExamples) {
         {MakeRange({7}, {1}, {0xFF}, 3, 1, 0), {}, {7, 7, 7}},
         {MakeRange({0x0F}, {1}, {0xF0}, 0, 100, 0), {}, {0x0F, 0x1F, 0x1F}},
     };
-    for (std::size_t i = 0; i < cases.size(); ++i) {
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
         RangeModifier m(cases[i].record);
         m.SetTotalCount(cases[i].counts.total);
         m.UpdateChildStutterCount(cases[i].counts.childStutter);
@@ -168,19 +128,36 @@ TEST(RangeModifierSequence, SmallExamples) {
     }
 }
 
-// --- engines and their registry ------------------------------------------------------------
-
-TEST(RangeModifierImplFactory, OneEnginePerWidthOneToSixteen) {
+// An engine for each width 1..16 and each of the four modes; without one every operation fails
+// with a text that names the width or the mode, and leaves the value alone.
+TEST(RangeModifierImplFactory, OneEnginePerWidthOneToSixteenAndItsErrors) {
+    auto expectNoGenerator = [](RangeModifier& m, const std::string& fragment) {
+        Bytes value{9};
+        EXPECT_FALSE(m.HasGenerator()) << fragment;
+        const std::function<void()> ops[] = {[&] { m.Reset(); }, [&] { m.Next(); }, [&] { m.GetValue(value); },
+                                             [&] { m.GetValueAt(value, 3); }};
+        for (const auto& op : ops) {
+            const std::string text = Thrown(op);
+            EXPECT_NE(text.find(fragment), std::string::npos) << text;
+        }
+        EXPECT_EQ(value, Bytes{9}) << fragment;
+    };
     for (unsigned int n = 0; n <= 18; ++n) {
         RangeModifier m(MakeRange(Bytes(n, 1), Bytes(n, 0), Bytes(n, 0xFF), 0, 1, 0));
         const bool supported = n >= 1 && n <= 16;
         EXPECT_EQ(RangeModifierImplFactory::Instance().Create(m) != nullptr, supported) << n;
-        EXPECT_EQ(m.HasGenerator(), supported) << n;
+        if (supported) {
+            EXPECT_TRUE(m.HasGenerator()) << n;
+        } else {
+            expectNoGenerator(m, "width of " + std::to_string(n) + " bytes");
+        }
     }
-    EXPECT_EQ(&RangeModifierImplFactory::Instance(), &RangeModifierImplFactory::Instance());
-}
+    RangeModifier mode4(MakeRange({1}, {1}, {0xFF}, 4, 1, 0)), none;
+    RangeModifier modeMinus3(MakeRange({1}, {1}, {0xFF}, -3, 1, 0));
+    expectNoGenerator(mode4, "mode 4");
+    expectNoGenerator(modeMinus3, "mode 4294967293");
+    expectNoGenerator(none, "width of 0 bytes");
 
-TEST(RangeModifierImpl, WidthMismatchAndPrototypeErrors) {
     RangeModifier m(MakeRange({1, 2}, {0, 1}, {0xFF, 0xFF}, 0, 1, 0));
     EXPECT_EQ(Thrown<std::out_of_range>([&] { vrm::common::ConcreteRangeModifierImpl<4> engine(m); }),
               "ConcreteRangeModifierImpl: mismatch between concrete type data size and RangeModifier size\n");
@@ -192,50 +169,19 @@ TEST(RangeModifierImpl, WidthMismatchAndPrototypeErrors) {
     EXPECT_NE(prototype.Clone(m), nullptr);
 }
 
-TEST(RangeModifier, NoGeneratorFailsLoudly) {
-    struct Case {
-        const char* label;
-        std::unique_ptr<RangeModifier> modifier;
-        const char* fragment;
-    };
-    std::vector<Case> cases;
-    cases.push_back(
-        {"mode 4", std::make_unique<RangeModifier>(MakeRange({1}, {1}, {0xFF}, 4, 1, 0)), "mode 4"});
-    cases.push_back({"mode -3", std::make_unique<RangeModifier>(MakeRange({1}, {1}, {0xFF}, -3, 1, 0)),
-                     "mode 4294967293"});
-    cases.push_back(
-        {"width 17",
-         std::make_unique<RangeModifier>(MakeRange(Bytes(17, 1), Bytes(17, 1), Bytes(17, 1), 0, 1, 0)),
-         "width of 17 bytes"});
-    cases.push_back({"default", std::make_unique<RangeModifier>(), "width of 0 bytes"});
-    for (auto& c : cases) {
-        Bytes value{9};
-        EXPECT_FALSE(c.modifier->HasGenerator()) << c.label;
-        const std::function<void()> ops[] = {[&] { c.modifier->Reset(); }, [&] { c.modifier->Next(); },
-                                             [&] { c.modifier->GetValue(value); },
-                                             [&] { c.modifier->GetValueAt(value, 3); }};
-        for (const auto& op : ops) {
-            const std::string text = Thrown(op);
-            EXPECT_NE(text.find(c.fragment), std::string::npos) << c.label << ": " << text;
-        }
-        EXPECT_EQ(value, Bytes{9}) << c.label;
-    }
-}
-
-TEST(RangeModifier, ZeroRecycleCountIndexQueryIsAnErrorUntilValidated) {
-    RangeModifier m(MakeRange({1}, {1}, {0xFF}, 0, 0, 0));
-    Bytes value;
-    EXPECT_THROW(m.GetValueAt(value, 5), std::logic_error);
-    ASSERT_TRUE(m.Update(nullptr));
-    m.GetValueAt(value, 5);
-    EXPECT_EQ(value, Bytes{1});
-}
-
+// A recycle count of 0 makes an index query an error until validation raises it; Update
+// rebuilds the engine (back at frame 0) only when validation passes.
 TEST(RangeModifier, UpdateRebuildsOnlyOnSuccess) {
+    RangeModifier zero(MakeRange({1}, {1}, {0xFF}, 0, 0, 0));
+    Bytes value;
+    EXPECT_THROW(zero.GetValueAt(value, 5), std::logic_error);
+    ASSERT_TRUE(zero.Update(nullptr));
+    zero.GetValueAt(value, 5);
+    EXPECT_EQ(value, Bytes{1});
+
     RangeModifier m(MakeRange({5}, {1}, {0xFF}, 0, 10, 0));
     m.Next();
     m.Next();
-    Bytes value;
     m.GetValue(value);
     EXPECT_EQ(value, Bytes{7});
     m.SetStutterCount(1);
@@ -256,45 +202,68 @@ TEST(RangeModifier, UpdateRebuildsOnlyOnSuccess) {
     EXPECT_EQ(value, Bytes{6});
 }
 
-// --- narrowing, packing, write-back --------------------------------------------------------
+// SetFieldParams with the range information: a stream modifier keeps its width, a non-stream
+// one wider than four bytes packs the four bytes ending at its step byte, and the mask's first
+// significant bit (byte 2, four leading zeros) trims the field.
+TEST(RangeModifier, PackingFollowsTheStepAndMaskBytes) {
+    const Bytes eight = {0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88};
+    const Bytes mask = {0, 0, 0x0F, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+    const Bytes step5 = {0, 0, 0, 0, 0, 1, 0, 0};
+    const struct {
+        rangeModifier_s record;
+        unsigned int bitOffset, bitLength;
+        Bytes packed;  // a zero frame after ModifyBytes
+        unsigned int fieldBitLength;
+    } cases[] = {
+        {MakeRange(eight, step5, mask, 0, 1, 0, true), 0, 64, {0, 0, 0x03, 0x44, 0x55, 0x66, 0x77, 0x88}, 64},
+        {MakeRange(eight, step5, mask, 0, 1, 0, false), 0, 64, {0, 0, 0x03, 0x44, 0x55, 0x66, 0, 0}, 48},
+        {MakeRange(eight, {0, 0, 1, 0, 0, 0, 0, 0}, {0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0}, 0, 1, 0, false), 0, 64,
+         {0x11, 0x22, 0x33, 0x44, 0, 0, 0, 0}, 32},
+        {MakeRange(eight, {0, 0, 0, 0, 0, 0, 0, 1}, Bytes(8, 0xFF), 0, 1, 0, false), 0, 64,
+         {0, 0, 0, 0, 0x55, 0x66, 0x77, 0x88}, 64},
+        {MakeRange({0xAB, 0xCD}, {0, 1}, {0xFF, 0xFF}, 0, 1, 0, false), 4, 16, {0x0A, 0xBC, 0xD0}, 16},
+    };
+    for (const auto& c : cases) {
+        RangeModifier m(c.record);
+        m.SetFieldParams(c.bitOffset, c.bitLength);
+        Bytes frame(c.packed.size(), 0);
+        m.ModifyBytes(frame, false);
+        EXPECT_EQ(frame, c.packed);
+        EXPECT_EQ(m.GetBitLength(), c.fieldBitLength);
+        EXPECT_EQ(m.GetAbsoluteBitOffset(), c.bitOffset);
+    }
+}
 
 TEST(RangeModifier, MakeVfdCompatibleOnTheThreeStepPatterns) {
     const Bytes init{1, 2, 3, 4, 5, 6, 7, 8};
     const Bytes mask{0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88};
-    struct Case {
+    const struct {
         Bytes step;
         bool result;
-        Bytes initial;
-        Bytes stepOut;
-        Bytes maskOut;
+        Bytes initial, stepOut, maskOut;
         unsigned int offset;
-    };
-    const std::vector<Case> cases = {
+    } cases[] = {
         {{0, 0, 0, 0, 0, 0, 0, 1}, true, {5, 6, 7, 8}, {0, 0, 0, 1}, {0x55, 0x66, 0x77, 0x88}, 14},
         {{0, 0, 1, 0, 0, 0, 0, 1}, false, init, {0, 0, 1, 0, 0, 0, 0, 1}, mask, 10},
         {{0, 0, 0, 1, 0, 0, 0, 1}, false, init, {0, 0, 0, 1, 0, 0, 0, 1}, mask, 10},  // five bytes apart
         {{0, 1, 0, 0, 0, 0, 0, 0}, true, {1, 2}, {0, 1}, {0x11, 0x22}, 10},
     };
-    for (std::size_t i = 0; i < cases.size(); ++i) {
-        rangeModifier_s r = MakeRange(init, cases[i].step, mask, 0, 4, 0);
+    for (const auto& c : cases) {
+        rangeModifier_s r = MakeRange(init, c.step, mask, 0, 4, 0);
         r.offset = 10;
         RangeModifier m(r);
         m.SetFieldParams(0, 8 * 32);
-        EXPECT_EQ(m.MakeVfdCompatible(), cases[i].result) << i;
-        EXPECT_EQ(m.GetRecord().initialValue.data, cases[i].initial) << i;
-        EXPECT_EQ(m.GetRecord().stepValue.data, cases[i].stepOut) << i;
-        EXPECT_EQ(m.GetRecord().mask.data, cases[i].maskOut) << i;
-        EXPECT_EQ(m.GetRelativeOffset(), cases[i].offset) << i;
-        // The narrowed value still lands on the same frame bytes.
-        if (cases[i].result) {
-            Bytes frame(32, 0);
-            m.Reset();
-            m.ModifyBytes(frame, false);
-            const std::size_t start = 10 + (i == 0 ? 4 : 0);
-            for (std::size_t b = 0; b < cases[i].initial.size(); ++b) {
-                EXPECT_EQ(frame[start + b], cases[i].initial[b] & cases[i].maskOut[b]) << i << " byte " << b;
-            }
-        }
+        EXPECT_EQ(m.MakeVfdCompatible(), c.result) << c.offset;
+        EXPECT_EQ(m.GetRecord().initialValue.data, c.initial);
+        EXPECT_EQ(m.GetRecord().stepValue.data, c.stepOut);
+        EXPECT_EQ(m.GetRecord().mask.data, c.maskOut);
+        EXPECT_EQ(m.GetRelativeOffset(), c.offset);
+        // The value lands at its (moved) offset under its mask.
+        Bytes frame(32, 0), expected(32, 0);
+        for (std::size_t b = 0; b < c.initial.size(); ++b) expected[c.offset + b] = c.initial[b] & c.maskOut[b];
+        m.Reset();
+        m.ModifyBytes(frame, false);
+        EXPECT_EQ(frame, expected) << c.offset;
     }
     // Nothing to do for non-stream modifiers and short values.
     RangeModifier nonStream(MakeRange(init, {0, 0, 0, 0, 0, 0, 0, 1}, mask, 0, 1, 0, false));
@@ -305,58 +274,16 @@ TEST(RangeModifier, MakeVfdCompatibleOnTheThreeStepPatterns) {
     EXPECT_EQ(narrow.GetDataSizeInBytes(), 4);
 }
 
-TEST(RangeModifier, NonStreamWideValuePacksTheFourBytesEndingAtTheStep) {
-    RangeModifier m(
-        MakeRange({1, 2, 3, 4, 5, 6, 7, 8}, {0, 0, 0, 0, 0, 0, 0, 1}, Bytes(8, 0xFF), 0, 4, 0, false));
-    m.SetFieldParams(0, 64);
-    Bytes frame(8, 0xEE);
-    m.ModifyBytes(frame, false);
-    EXPECT_EQ(frame, (Bytes{0xEE, 0xEE, 0xEE, 0xEE, 5, 6, 7, 8}));
-}
-
-TEST(RangeModifier, GetAdjustedModifierWithRealNullAndInvalidPackers) {
-    const rangeModifier_s r = MakeRange({0xAB, 0xCD}, {0x00, 0x01}, {0x0F, 0xFF}, 3, 9, 2, true, "udp.sport");
-    rangeModifier_s out;
-
-    RangeModifier real(r);
-    real.SetFieldParams(4, 12);  // low nibble of byte 0 and all of byte 1
-    real.GetAdjustedModifier(out);
-    EXPECT_EQ(out.initialValue.data, (Bytes{0x0B, 0xCD}));
-    EXPECT_EQ(out.stepValue.data, (Bytes{0x00, 0x01}));
-    EXPECT_EQ(out.mask.data, (Bytes{0x0F, 0xFF}));
-    EXPECT_EQ(out.offsetReference, "udp.sport");
-    EXPECT_EQ(out.recycleCount, 9u);
-    EXPECT_EQ(out.stutterCount, 2u);
-    EXPECT_EQ(out.mode, Generator_3_bll::configModMode_t::SHUFFLE);
-
-    struct NoFrameData : RangeModifier {
-        using RangeModifier::RangeModifier;
-        using RangeModifier::SetFrameDataSupported;
-    };
-    NoFrameData null(r);
-    null.SetFrameDataSupported(false);
-    null.SetFieldParams(0, 8);
-    null.GetAdjustedModifier(out);
-    EXPECT_EQ(out.initialValue.data, r.initialValue.data);
-    EXPECT_EQ(out.mask.data, r.mask.data);
-
-    RangeModifier invalid(r);
-    EXPECT_EQ(Thrown([&] { invalid.GetAdjustedModifier(out); }),
-              "Attempting to use modifier without setting field parameters\n");
-}
-
-TEST(RangeModifier, ToRpcAppendsTheRecordAsItStands) {
-    rangeModifier_s r = MakeRange({1}, {1}, {0xFF}, 1, 0, 3);
-    r.modIndex = 4;
+TEST(RangeModifier, GetAdjustedModifierGivesTheWindowBytes) {
+    rangeModifier_s r = MakeRange({0xAB, 0xCD}, {0x12, 0x01}, {0x0F, 0xFF}, 3, 9, 2, true, "udp.sport");
+    r.modIndex = 6;
     RangeModifier m(r);
-    ASSERT_TRUE(m.Validate(nullptr));
-    m.SetTotalCount(50);
-    streamBlock_s block;
-    block.rangeModifiers.push_back(rangeModifier_s{});
-    m.ToRpc(block);
-    ASSERT_EQ(block.rangeModifiers.size(), 2u);
-    r.recycleCount = 1;
-    EXPECT_EQ(block.rangeModifiers[1], r);
+    m.SetFieldParams(4, 12);  // low nibble of byte 0 and all of byte 1
+    rangeModifier_s out;
+    m.GetAdjustedModifier(out);
+    r.initialValue.data = {0x0B, 0xCD};
+    r.stepValue.data = {0x02, 0x01};
+    EXPECT_EQ(out, r);
 }
 
 }  // namespace

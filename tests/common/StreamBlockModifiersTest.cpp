@@ -11,20 +11,22 @@
 #include <vector>
 
 #include "RangeReference.h"
+#include "common/FramePlan.h"
 #include "common/ModifierFactory.h"
-#include "common/RangeModifier.h"
 #include "common/StreamBlockModifiers.h"
 #include "interfaces/generator_3_bll_records.h"
 
 namespace {
 
-using Generator_3_bll::modifierData_s;
 using Generator_3_bll::modLinkDesc_s;
 using Generator_3_bll::rangeModifier_s;
 using Generator_3_bll::streamBlock_s;
 using Generator_3_bll::tableModifier_s;
 using range_reference::Bytes;
 using range_reference::MakeRange;
+using range_reference::MakeTable;
+using vrm::common::Modifier;
+using vrm::common::ModifierFactory;
 using vrm::common::StreamBlockModifiers;
 
 rangeModifier_s Range(unsigned int modIndex, std::uint16_t offset, unsigned int recycle, bool stream = true) {
@@ -36,37 +38,28 @@ rangeModifier_s Range(unsigned int modIndex, std::uint16_t offset, unsigned int 
 }
 
 tableModifier_s Table(unsigned int modIndex, std::uint16_t offset, const std::vector<Bytes>& values) {
-    tableModifier_s t;
+    tableModifier_s t = MakeTable(values, 0, true, ("t" + std::to_string(modIndex)).c_str());
     t.modIndex = modIndex;
     t.offset = offset;
-    t.offsetReference = "t" + std::to_string(modIndex);
-    for (const Bytes& v : values) t.data.push_back(modifierData_s{v});
-    t.useStream = true;
     return t;
 }
 
-// A block of three chained modifiers: table 5 (outer) -> range 2 (middle) -> range 9 (inner),
-// recorded out of modIndex order.
-streamBlock_s ChainBlock() {
-    streamBlock_s block;
-    block.name = "chain";
-    block.rangeModifiers = {Range(9, 2, 3), Range(2, 1, 2)};
-    block.rangeModifiers[1].recycleCount = 0;  // normalised to 1 by validation
-    block.rangeModifiers[1].stutterCount = 1;
-    block.tableModifiers = {Table(5, 0, {{0xAA}, {0xBB}})};
-    block.modLinks = {modLinkDesc_s{5, {2}}, modLinkDesc_s{2, {9}}};
-    return block;
-}
-
+// Three chained modifiers, table 5 (outer) -> range 2 (middle) -> range 9 (inner), and a lone
+// table 7, recorded out of modIndex order.
 TEST(StreamBlockModifiers, WholeBlockInFramesOutAndBackIntoTheBlock) {
-    const streamBlock_s in = ChainBlock();
+    streamBlock_s in;
+    in.name = "chain";
+    in.rangeModifiers = {Range(9, 2, 3), Range(2, 1, 0)};  // recycle 0: normalised to 1 by validation
+    in.rangeModifiers[1].stutterCount = 1;
+    in.tableModifiers = {Table(7, 4, {{0x01}}), Table(5, 3, {{0xAA}, {0xBB}})};
+    in.modLinks = {modLinkDesc_s{5, {2}}, modLinkDesc_s{2, {9}}};
     StreamBlockModifiers mods(in);
-    ASSERT_EQ(mods.Size(), 3u);
+    ASSERT_EQ(mods.Size(), 4u);
     EXPECT_EQ(mods.At(0).GetModIndex(), 2u);
     EXPECT_EQ(mods.At(1).GetModIndex(), 5u);
-    EXPECT_EQ(mods.At(2).GetModIndex(), 9u);
-    EXPECT_EQ(mods.Find(7), nullptr);
-    EXPECT_THROW(mods.At(3), std::out_of_range);
+    EXPECT_EQ(mods.At(3).GetModIndex(), 9u);
+    EXPECT_EQ(mods.Find(6), nullptr);
+    EXPECT_THROW(mods.At(4), std::out_of_range);
 
     std::ostringstream errors;
     ASSERT_TRUE(mods.Validate(&errors)) << errors.str();
@@ -78,22 +71,17 @@ TEST(StreamBlockModifiers, WholeBlockInFramesOutAndBackIntoTheBlock) {
     EXPECT_EQ(mods.Root().GetEffectiveRecycleCount(), 12u);
     EXPECT_TRUE(mods.Root().IsStreamModifier());
 
-    mods.SetFieldParamsFromFrameStart(4);
+    mods.SetFieldParamsFromFrameStart(5);
     mods.Reset();
-    std::vector<Bytes> frames;
-    for (unsigned int f = 0; f < 14; ++f) {
-        Bytes frame(4, 0xEE);
-        mods.ModifyBytes(frame);
-        frames.push_back(frame);
-        Bytes indexed(4, 0xEE);
-        mods.ModifyBytesAtIndex(indexed, f);
-        EXPECT_EQ(indexed, frame) << f;
-        mods.Next();
-    }
     for (unsigned int f = 0; f < 14; ++f) {
         const unsigned char outer = (f % 12) < 6 ? 0xAA : 0xBB;
         const unsigned char inner = static_cast<unsigned char>(0x10 + f % 3);
-        EXPECT_EQ(frames[f], (Bytes{outer, 0x10, inner, 0xEE})) << f;
+        Bytes frame(5, 0xEE), indexed(5, 0xEE);
+        mods.ModifyBytes(frame);
+        mods.ModifyBytesAtIndex(indexed, f);
+        EXPECT_EQ(frame, (Bytes{0xEE, 0x10, inner, outer, 0x01})) << f;
+        EXPECT_EQ(indexed, frame) << f;
+        mods.Next();
     }
 
     streamBlock_s out = in;
@@ -102,47 +90,6 @@ TEST(StreamBlockModifiers, WholeBlockInFramesOutAndBackIntoTheBlock) {
     streamBlock_s expected = in;
     expected.rangeModifiers[1].recycleCount = 1;
     EXPECT_EQ(out, expected);
-}
-
-TEST(StreamBlockModifiers, NarrowedModifierWritesItsNarrowedForm) {
-    streamBlock_s block;
-    rangeModifier_s wide =
-        MakeRange(Bytes(8, 1), {0, 0, 0, 0, 0, 0, 0, 1}, Bytes(8, 0xFF), 0, 5, 0, true, "w");
-    wide.modIndex = 1;
-    block.rangeModifiers = {wide};
-    StreamBlockModifiers mods(block);
-    ASSERT_TRUE(mods.Validate(nullptr));
-    mods.SetFieldParamsFromFrameStart(16);
-    auto* range = dynamic_cast<vrm::common::RangeModifier*>(mods.Find(1));
-    ASSERT_NE(range, nullptr);
-    ASSERT_TRUE(range->MakeVfdCompatible());
-    streamBlock_s out;
-    mods.ToRpc(out);
-    ASSERT_EQ(out.rangeModifiers.size(), 1u);
-    EXPECT_EQ(out.rangeModifiers[0].initialValue.data, Bytes(4, 1));
-    EXPECT_EQ(out.rangeModifiers[0].offset, 4);
-}
-
-// Every link problem's text is pinned by BulkLinkingEqualsLinkingOneByOne; here a block
-// with problems still makes frames from its valid links.
-TEST(StreamBlockModifiers, LinkProblemsAreValidationFailures) {
-    const std::vector<std::vector<modLinkDesc_s>> cases = {
-        {{7, {1}}}, {{1, {2, 8}}}, {{2, {2}}}, {{1, {2}}, {2, {3}}, {3, {1}}}, {{1, {2, 2}}}, {{1, {4}}}};
-    for (const auto& links : cases) {
-        streamBlock_s block;
-        block.rangeModifiers = {Range(1, 0, 2), Range(2, 1, 3), Range(3, 2, 4)};
-        if (links.front().childModIndex.front() == 4) block.rangeModifiers.push_back(Range(4, 3, 5, false));
-        block.modLinks = links;
-        StreamBlockModifiers mods(block);
-        std::ostringstream errors;
-        EXPECT_FALSE(mods.Validate(&errors)) << errors.str();
-        EXPECT_FALSE(mods.Validate(nullptr));
-        mods.SetFieldParamsFromFrameStart(8);
-        mods.Reset();
-        Bytes frame(8, 0);
-        mods.ModifyBytes(frame);
-        mods.Next();
-    }
 }
 
 TEST(StreamBlockModifiers, ModifierFailuresAreAllReported) {
@@ -172,9 +119,10 @@ TEST(StreamBlockModifiers, EmptyBlock) {
     mods.ModifyBytes(frame);
     mods.Next();
     EXPECT_EQ(frame, (Bytes{1, 2}));
+    Bytes frames(7, 0);
+    mods.MakeFramePlan(frame).Stamp(5, 3, frames.data(), 2);
+    EXPECT_EQ(frames, (Bytes{1, 2, 1, 2, 1, 2, 0}));
 }
-
-}  // namespace
 
 // Linking a whole block at once gives what linking one modifier at a time through the
 // Modifier interface gives: the same link problems, in the same order, and the same repeat
@@ -200,23 +148,21 @@ TEST(StreamBlockModifiers, BulkLinkingEqualsLinkingOneByOne) {
 
         StreamBlockModifiers mods(block);
         std::ostringstream bulk;
-        mods.Validate(&bulk);
+        const bool valid = mods.Validate(&bulk);
 
         // The reference.
-        std::vector<std::unique_ptr<vrm::common::Modifier>> owned;
-        for (const auto& r : block.rangeModifiers) owned.push_back(vrm::common::ModifierFactory::CreateModifier(r));
-        std::vector<vrm::common::Modifier*> byIndex;
+        std::vector<std::unique_ptr<Modifier>> owned;
+        for (const auto& r : block.rangeModifiers) owned.push_back(ModifierFactory::CreateModifier(r));
+        std::vector<Modifier*> byIndex;
         for (auto& m : owned) byIndex.push_back(m.get());
         std::stable_sort(byIndex.begin(), byIndex.end(),
                          [](auto* a, auto* b) { return a->GetModIndex() < b->GetModIndex(); });
-        auto find = [&](unsigned int index) -> vrm::common::Modifier* {
-            for (auto* m : byIndex) {
-                if (m->GetModIndex() == index) return m;
-            }
+        auto find = [&](unsigned int index) -> Modifier* {
+            for (auto* m : byIndex) if (m->GetModIndex() == index) return m;
             return nullptr;
         };
-        std::map<vrm::common::Modifier*, std::vector<vrm::common::Modifier*>> made;
-        std::function<bool(vrm::common::Modifier*, vrm::common::Modifier*)> reaches = [&](auto* from, auto* to) {
+        std::map<Modifier*, std::vector<Modifier*>> made;
+        std::function<bool(Modifier*, Modifier*)> reaches = [&](auto* from, auto* to) {
             if (from == to) return true;
             for (auto* c : made[from]) {
                 if (reaches(c, to)) return true;
@@ -253,8 +199,8 @@ TEST(StreamBlockModifiers, BulkLinkingEqualsLinkingOneByOne) {
         }
         bool allStream = true;
         for (auto& m : owned) allStream = allStream && m->IsStreamModifier();
-        std::unique_ptr<vrm::common::Modifier> root;
-        vrm::common::ModifierFactory::CreateRootModifier(allStream, root);
+        std::unique_ptr<Modifier> root;
+        ModifierFactory::CreateRootModifier(allStream, root);
         for (auto* m : byIndex) {
             if (!m->HasParent() && !root->AddChildModifier(*m)) {
                 expected << "Modifier " << m->GetOffsetReference() << " (modIndex " << m->GetModIndex()
@@ -266,6 +212,7 @@ TEST(StreamBlockModifiers, BulkLinkingEqualsLinkingOneByOne) {
         root->ChildUpdate();
 
         EXPECT_EQ(bulk.str(), expected.str());
+        EXPECT_EQ(valid, expected.str().empty());
         EXPECT_EQ(mods.Root().GetEffectiveRecycleCount(), root->GetEffectiveRecycleCount());
         for (std::size_t i = 0; i < byIndex.size(); ++i) {
             EXPECT_EQ(mods.At(i).GetChildStutterCount(), byIndex[i]->GetChildStutterCount()) << "position " << i;
@@ -274,3 +221,5 @@ TEST(StreamBlockModifiers, BulkLinkingEqualsLinkingOneByOne) {
         owned.clear();
     }
 }
+
+}  // namespace
