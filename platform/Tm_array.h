@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "platform/Tm_catalog.h"
-#include "platform/Tm_node_cache.h"
 #include "platform/Tm_slot.h"
 #include "platform/Tm_struct.h"
 
@@ -123,9 +122,9 @@ private:
     tm_detail::Slot packed_slot(int index, TMV kind) const;
     tm_detail::Slot element_slot(std::size_t index) const;
     Tm_catalog<std::string>* m_catalog;
-    std::vector<tm_detail::Slot, tm_detail::NodeAllocator<tm_detail::Slot>> m_items;
+    std::vector<tm_detail::Slot> m_items;
     // Packed storage of a plain array (m_packedBytes) or a derived array's view.
-    std::vector<unsigned char, tm_detail::NodeAllocator<unsigned char>> m_packedBytes;
+    std::vector<unsigned char> m_packedBytes;
     const unsigned char* m_packedData = nullptr;
     std::size_t m_packedCount = 0;
     TMV m_packedKind = TMV_UINT8;

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "platform/Tm_catalog.h"
-#include "platform/Tm_node_cache.h"
 #include "platform/Tm_slot.h"
 #include "platform/Tm_value.h"
 
@@ -111,7 +110,7 @@ private:
         tm_detail::Name name;
         tm_detail::Slot slot;
     };
-    std::vector<Member, tm_detail::NodeAllocator<Member>> m_members;
+    std::vector<Member> m_members;
 };
 
 // A struct whose member names come from a static, null-terminated names table: clear(names)

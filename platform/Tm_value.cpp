@@ -1,7 +1,5 @@
 #include "platform/Tm_value.h"
 
-#include "platform/Tm_node_cache.h"
-
 #include "platform/Message.h"
 
 const char* tmv_name(int kind) {
@@ -13,9 +11,6 @@ const char* tmv_name(int kind) {
 
 Tm_visitor::~Tm_visitor() = default;
 Tm_value::~Tm_value() = default;
-
-void* Tm_value::operator new(std::size_t size) { return tm_detail::node_allocate(size); }
-void Tm_value::operator delete(void* p, std::size_t size) noexcept { tm_detail::node_deallocate(p, size); }
 
 bool Tm_string::equals(const Tm_value& other) const {
     return other.get_value_type() == TMV_STRING && static_cast<const Tm_string&>(other).m_value == m_value;

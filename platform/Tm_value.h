@@ -41,10 +41,6 @@ public:
 // (add_member_and_own) or through clone(); the container deletes what it owns.
 class Tm_value {
 public:
-    // Nodes are allocated from the runtime's per-thread node lists.
-    static void* operator new(std::size_t size);
-    static void operator delete(void* p, std::size_t size) noexcept;
-
     virtual Tm_value* clone() const = 0;
     virtual ~Tm_value();
     // Deep equality: same kind and same contents (struct member names and order included).
