@@ -176,11 +176,11 @@ TEST(Ownership, CopiesAreDeepAndIndependent) {
 // own: every message reads back whole.
 TEST(Ownership, MessagesMadeOnOneThreadAreDroppedOnAnother) {
     Message sample;
-    auto* inner = new Tm_struct;
-    inner->add_member("text", std::string(40, 'x'));
-    inner->add_member("n", 7u);
+    Tm_struct inner;
+    inner.add_member("text", std::string(40, 'x'));
+    inner.add_member("n", 7u);
     auto* list = new Tm_array;
-    for (int i = 0; i < 20; ++i) list->add_member_and_own(inner->clone());
+    for (int i = 0; i < 20; ++i) list->add_member_and_own(inner.clone());
     sample.add_member_and_own(S, "list", list);
     const std::vector<unsigned char> bytes = tmsg::encode(sample);
     Message expected;
