@@ -45,7 +45,6 @@ struct ScalarKind;
     template <>                                                                          \
     struct ScalarKind<T> {                                                               \
         static constexpr TMV kind = K;                                                   \
-        static T from(const Tm_struct* s, const std::string& n) { return s->GET(n); }    \
         static T at(const Tm_array* a, int i) { return a->GET(i); }                      \
     };
 BINDING_SCALAR(bool, TMV_BOOL, get_member_bool)

@@ -145,7 +145,7 @@ Slot Tm_array::packed_slot(int index, TMV kind) const {
 
 void Tm_array::unpack() {
     if (!m_ownsPacked) return;
-    decltype(m_items) items;
+    std::vector<Slot> items;
     items.reserve(m_packedCount);
     for (std::size_t i = 0; i < m_packedCount; ++i) items.push_back(element_slot(i));
     m_items.swap(items);
