@@ -55,10 +55,12 @@ private:
 
 // Interns the member names of a value tree in the same order as NameCollector, reading
 // the runtime's own structs and arrays directly (shared names intern without hashing) and
-// handing any other value to the collector.
+// handing any other value to the collector. Subtrees whose names were all interned in this
+// catalog as they were added are skipped.
 void collect_names(const Tm_value& v, Tm_catalog<std::string>& catalog);
 
 void collect_struct(const Tm_struct& s, Tm_catalog<std::string>& catalog) {
+    if (s.interned_in() == catalog.id() || s.interned_in() == tm_detail::kNoNames) return;
     const int n = s.get_member_count();
     for (int i = 0; i < n; ++i) {
         catalog.add(s.member_name_handle(i));
@@ -72,7 +74,7 @@ void collect_names(const Tm_value& v, Tm_catalog<std::string>& catalog) {
         collect_struct(static_cast<const Tm_struct&>(v), catalog);
     } else if (is_exactly<Tm_array>(v)) {
         const auto& a = static_cast<const Tm_array&>(v);
-        if (a.holds_packed()) return;
+        if (a.holds_packed() || a.interned_in() == catalog.id() || a.interned_in() == tm_detail::kNoNames) return;
         const int n = a.get_member_count();
         for (int i = 0; i < n; ++i) {
             if (const Tm_value* item = a.item_slot(i).value()) collect_names(*item, catalog);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "platform/Tm_array.h"
 #include "platform/Tm_catalog.h"
@@ -86,12 +87,17 @@ public:
 
     // Direct access to a group for the codec.
     Tm_struct& group_for_decoding(TMG group) { return m_groups[index(group)]; }
+    // Keeps the decoded name table whose names the receive group borrows (the codec
+    // installs the group first, then its names).
+    void keep_decoded_names(std::vector<tm_detail::Name> names) { m_decodedNames = std::move(names); }
 
 private:
     static int index(TMG group);
     TMT m_type = TMT_REQUEST;
     std::string m_requestName;
     bool m_useSendMemberString = true;
+    // Declared before the groups, so that it outlives them.
+    std::vector<tm_detail::Name> m_decodedNames;
     Tm_struct m_groups[2];
     Tm_catalog<std::string> m_catalogs[2];
 };

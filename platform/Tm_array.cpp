@@ -21,7 +21,9 @@ Tm_array::Tm_array(const Tm_array& other) : Tm_value_container(TMV_ARRAY), m_cat
     m_items.reserve(static_cast<size_t>(n));
     if (tm_detail::is_exactly<Tm_array>(other)) {
         for (const Slot& s : other.m_items) m_items.push_back(s.clone());
+        m_interned = other.m_interned;
     } else {
+        m_interned = tm_detail::kUnknown;
         // A derived array (for example one backed by a caller's container): copy through
         // its public interface.
         for (int i = 0; i < n; ++i) {
@@ -57,6 +59,7 @@ Tm_array& Tm_array::operator=(const Tm_array& other) {
         std::swap(m_packedCount, copy.m_packedCount);
         std::swap(m_packedKind, copy.m_packedKind);
         std::swap(m_ownsPacked, copy.m_ownsPacked);
+        std::swap(m_interned, copy.m_interned);
         m_catalog = other.m_catalog;
     }
     return *this;
@@ -110,6 +113,7 @@ std::size_t Tm_array::wire_size(TMV kind) {
 
 void Tm_array::assign_packed(TMV kind, const unsigned char* data, std::size_t count) {
     m_items.clear();
+    m_interned = tm_detail::kNoNames;
     m_packedBytes.assign(data, data + count * wire_size(kind));
     m_packedData = count ? m_packedBytes.data() : nullptr;
     m_packedCount = count;
@@ -145,7 +149,7 @@ Slot Tm_array::packed_slot(int index, TMV kind) const {
 
 void Tm_array::unpack() {
     if (!m_ownsPacked) return;
-    std::vector<Slot> items;
+    decltype(m_items) items;
     items.reserve(m_packedCount);
     for (std::size_t i = 0; i < m_packedCount; ++i) items.push_back(element_slot(i));
     m_items.swap(items);
@@ -159,6 +163,7 @@ void Tm_array::unpack() {
 void Tm_array::clear() {
     unpack();
     m_items.clear();
+    m_interned = tm_detail::kNoNames;
 }
 
 void Tm_array::reserve(int count) {
@@ -192,12 +197,16 @@ void Tm_array::add_member(const std::string& v, unsigned int maxLength) { unpack
 }
 void Tm_array::add_member(const Tm_value* v) { unpack();
     if (!v) throw Tm_exception("null value");
-    m_items.push_back(Slot::owning(v->clone()));
+    Slot slot = Slot::owning(v->clone());
+    m_interned = tm_detail::meet(m_interned, tm_detail::interned_in(slot));
+    m_items.push_back(std::move(slot));
 }
 void Tm_array::add_member_and_own(Tm_value* v) {
     Slot slot = Slot::owning(v);
     unpack();
+    const std::uint64_t interned = tm_detail::meet(m_interned, tm_detail::interned_in(slot));
     m_items.push_back(std::move(slot));
+    m_interned = interned;
 }
 
 int Tm_array::get_member_count() const {

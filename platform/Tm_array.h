@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "platform/Tm_catalog.h"
+#include "platform/Tm_pool.h"
 #include "platform/Tm_slot.h"
 #include "platform/Tm_struct.h"
 
@@ -99,7 +101,13 @@ public:
     // copied from `data` (wire layout).
     void assign_packed(TMV kind, const unsigned char* data, std::size_t count);
     // Appends a storage cell to a plain array without packed storage.
-    void append_item(tm_detail::Slot slot) { m_items.push_back(std::move(slot)); }
+    void append_item(tm_detail::Slot slot) {
+        m_items.push_back(std::move(slot));
+        m_interned = tm_detail::kUnknown;
+    }
+    // The catalog that holds every member name of this array's items (see
+    // tm_detail::interned_in).
+    std::uint64_t interned_in() const { return m_interned; }
     // Wire size of one element of scalar kind `kind`.
     static std::size_t wire_size(TMV kind);
 
@@ -122,11 +130,12 @@ private:
     tm_detail::Slot packed_slot(int index, TMV kind) const;
     tm_detail::Slot element_slot(std::size_t index) const;
     Tm_catalog<std::string>* m_catalog;
-    std::vector<tm_detail::Slot> m_items;
+    std::vector<tm_detail::Slot, tm_detail::Pool_allocator<tm_detail::Slot>> m_items;
     // Packed storage of a plain array (m_packedBytes) or a derived array's view.
-    std::vector<unsigned char> m_packedBytes;
+    std::vector<unsigned char, tm_detail::Pool_allocator<unsigned char>> m_packedBytes;
     const unsigned char* m_packedData = nullptr;
     std::size_t m_packedCount = 0;
     TMV m_packedKind = TMV_UINT8;
     bool m_ownsPacked = false;
+    std::uint64_t m_interned = tm_detail::kNoNames;
 };

@@ -35,6 +35,8 @@ public:
     // is found again without hashing its text.
     int add(const tm_detail::Name& name);
     int find(const tm_detail::Name& name) const;
+    // Identifies these contents (never tm_detail::kNoNames nor kUnknown).
+    std::uint64_t id() const { return m_id; }
 
 private:
     std::vector<std::string> m_names;

@@ -419,6 +419,7 @@ class Decoder {
         message.set_request_name(name);
         message.set_msg_type(type);
         message.group_for_decoding(TMG_RECV) = std::move(group);
+        message.keep_decoded_names(std::move(m_names));
         *message.get_send_member_string(TMG_RECV) = std::move(catalog);
     }
 
@@ -533,7 +534,8 @@ class Decoder {
             }
             const std::size_t tagAt = m_pos;
             const int tag = kind_tag(false);
-            target.append(m_names[static_cast<std::size_t>(index)], read_payload(tag, tagAt, level));
+            target.append(Name(m_names[static_cast<std::size_t>(index)], Name::Borrowed{}),
+                          read_payload(tag, tagAt, level));
         }
     }
 

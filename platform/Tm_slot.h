@@ -24,49 +24,59 @@ bool is_exactly(const Tm_value& v) {
 // share the text (atomic reference count; names may be shared between messages that
 // different threads use). Besides the text, a name remembers its index in the last
 // catalog that interned it, so that interning a name again costs no hashing.
+//
+// A borrowed name refers to a text that something else keeps alive (a decoded message
+// keeps its name table): making and dropping it costs no count. Copying it gives a counted
+// name, so copies may outlive the keeper.
 class Name {
 public:
-    explicit Name(const std::string& text) : m_rep(new Rep(text, false)) {}
-    explicit Name(const char* text) : m_rep(new Rep(text, false)) {}
+    explicit Name(const std::string& text) : m_bits(bits_of(new Rep(text, false))) {}
+    explicit Name(const char* text) : m_bits(bits_of(new Rep(text, false))) {}
     // A name that lives as long as the process (the entries of static names tables): copies
     // share it without counting, which keeps building records free of atomic operations.
     struct Immortal {};
-    Name(const char* text, Immortal) : m_rep(new Rep(text, true)) {}
-    Name(const Name& o) noexcept : m_rep(o.m_rep) {
-        if (!m_rep->immortal) m_rep->refs.fetch_add(1, std::memory_order_relaxed);
+    Name(const char* text, Immortal) : m_bits(bits_of(new Rep(text, true))) {}
+    // A borrowed reference to `keeper`'s text, which must outlive every read through it.
+    struct Borrowed {};
+    Name(const Name& keeper, Borrowed) noexcept : m_bits(bits_of(keeper.rep()) | kBorrowedBit) {}
+    Name(const Name& o) noexcept : m_bits(bits_of(o.rep())) {
+        if (!rep()->immortal) rep()->refs.fetch_add(1, std::memory_order_relaxed);
     }
-    Name(Name&& o) noexcept : m_rep(o.m_rep) { o.m_rep = nullptr; }
+    Name(Name&& o) noexcept : m_bits(o.m_bits) { o.m_bits = 0; }
     Name& operator=(const Name& o) noexcept {
         Name copy(o);
-        std::swap(m_rep, copy.m_rep);
+        std::swap(m_bits, copy.m_bits);
         return *this;
     }
     Name& operator=(Name&& o) noexcept {
-        std::swap(m_rep, o.m_rep);
+        std::swap(m_bits, o.m_bits);
         return *this;
     }
     ~Name() {
-        if (m_rep && !m_rep->immortal && m_rep->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) delete m_rep;
+        if (m_bits == 0 || (m_bits & kBorrowedBit)) return;
+        Rep* r = rep();
+        if (!r->immortal && r->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) delete r;
     }
 
-    const std::string& text() const { return m_rep->text; }
+    const std::string& text() const { return rep()->text; }
     // Identity of the shared text: equal identities mean equal texts.
-    const void* id() const { return m_rep; }
+    const void* id() const { return rep(); }
 
     // The index remembered for catalog `catalogId`, or -1.
     int cached_index(std::uint64_t catalogId) const {
-        const std::uint64_t v = m_rep->cache.load(std::memory_order_relaxed);
+        const std::uint64_t v = rep()->cache.load(std::memory_order_relaxed);
         return (v >> kIndexBits) == catalogId && (v & kIndexMask) != 0 ? static_cast<int>((v & kIndexMask) - 1) : -1;
     }
     void remember_index(std::uint64_t catalogId, int index) const {
         if (static_cast<std::uint64_t>(index) + 1 > kIndexMask) return;
-        m_rep->cache.store((catalogId << kIndexBits) | (static_cast<std::uint64_t>(index) + 1),
+        rep()->cache.store((catalogId << kIndexBits) | (static_cast<std::uint64_t>(index) + 1),
                            std::memory_order_relaxed);
     }
 
 private:
     static constexpr int kIndexBits = 24;
     static constexpr std::uint64_t kIndexMask = (std::uint64_t(1) << kIndexBits) - 1;
+    static constexpr std::uintptr_t kBorrowedBit = 1;
     struct Rep {
         Rep(std::string t, bool forever) : text(std::move(t)), immortal(forever) {}
         std::string text;
@@ -74,7 +84,10 @@ private:
         std::atomic<long> refs{1};
         std::atomic<std::uint64_t> cache{0};
     };
-    Rep* m_rep;
+    static std::uintptr_t bits_of(Rep* r) { return reinterpret_cast<std::uintptr_t>(r); }
+    Rep* rep() const { return reinterpret_cast<Rep*>(m_bits & ~kBorrowedBit); }
+    // The text's address, with kBorrowedBit set when the reference is borrowed.
+    std::uintptr_t m_bits;
 };
 
 class Slot {
@@ -118,5 +131,17 @@ private:
         Tm_value* p;
     } m_u;
 };
+
+// Which catalog holds every member name of a value, nested ones included, so that
+// interning the names of a message again can skip what its builder interned as it went:
+// a catalog's id, kNoNames for a value without member names, or kUnknown.
+constexpr std::uint64_t kNoNames = ~std::uint64_t(0);
+constexpr std::uint64_t kUnknown = 0;
+inline std::uint64_t meet(std::uint64_t a, std::uint64_t b) {
+    return a == kNoNames ? b : b == kNoNames || a == b ? a : kUnknown;
+}
+// For the value in `slot` (the runtime's own structs and arrays know; other values with
+// members do not).
+std::uint64_t interned_in(const Slot& slot);
 
 }  // namespace tm_detail

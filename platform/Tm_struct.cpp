@@ -16,7 +16,7 @@ using tm_detail::Slot;
 
 Tm_struct::Tm_struct() : Tm_value_container(TMV_STRUCT) {}
 
-Tm_struct::Tm_struct(const Tm_struct& other) : Tm_value_container(TMV_STRUCT) {
+Tm_struct::Tm_struct(const Tm_struct& other) : Tm_value_container(TMV_STRUCT), m_interned(other.m_interned) {
     m_members.reserve(other.m_members.size());
     for (const Member& m : other.m_members) m_members.push_back(Member{m.name, m.slot.clone()});
 }
@@ -25,15 +25,49 @@ Tm_struct& Tm_struct::operator=(const Tm_struct& other) {
     if (this != &other) {
         Tm_struct copy(other);
         m_members.swap(copy.m_members);
+        m_interned = other.m_interned;
     }
     return *this;
 }
 
-Tm_struct::Tm_struct(Tm_struct&& other) noexcept : Tm_value_container(TMV_STRUCT), m_members(std::move(other.m_members)) {}
+Tm_struct::Tm_struct(Tm_struct&& other) noexcept
+    : Tm_value_container(TMV_STRUCT), m_members(std::move(other.m_members)), m_interned(other.m_interned) {
+    other.m_members.clear();
+    other.m_interned = tm_detail::kNoNames;
+}
 
 Tm_struct& Tm_struct::operator=(Tm_struct&& other) noexcept {
     m_members = std::move(other.m_members);
+    m_interned = other.m_interned;
+    other.m_members.clear();
+    other.m_interned = tm_detail::kNoNames;
     return *this;
+}
+
+void Tm_struct::append_interned(const Name& name, Slot slot, const Tm_catalog<std::string>* catalog) {
+    const std::uint64_t value = tm_detail::interned_in(slot);
+    m_members.push_back(Member{name, std::move(slot)});
+    m_interned = tm_detail::meet(m_interned, tm_detail::meet(catalog ? catalog->id() : tm_detail::kUnknown, value));
+}
+
+std::uint64_t tm_detail::interned_in(const Slot& slot) {
+    using tm_detail::is_exactly;
+    const Tm_value* v = slot.value();
+    if (!v) return kNoNames;
+    switch (slot.kind()) {
+        case TMV_STRUCT:
+            return is_exactly<Tm_prenamed_struct>(*v) || is_exactly<Tm_struct>(*v)
+                       ? static_cast<const Tm_struct*>(v)->interned_in()
+                       : kUnknown;
+        case TMV_ARRAY: {
+            const auto* a = static_cast<const Tm_array*>(v);
+            Tm_array::Packed p;
+            if (a->packed(p)) return kNoNames;
+            return is_exactly<Tm_array>(*v) ? a->interned_in() : kUnknown;
+        }
+        case TMV_MESSAGE: return kUnknown;
+        default: return kNoNames;
+    }
 }
 
 Tm_struct::~Tm_struct() = default;
@@ -59,7 +93,10 @@ void Tm_struct::accept(Tm_visitor& visitor) const {
     visitor.end_struct(*this);
 }
 
-void Tm_struct::clear() { m_members.clear(); }
+void Tm_struct::clear() {
+    m_members.clear();
+    m_interned = tm_detail::kNoNames;
+}
 
 int Tm_struct::get_member_index(const std::string& name) const {
     for (size_t i = 0; i < m_members.size(); ++i) {
@@ -138,7 +175,7 @@ void Tm_struct::add_member_and_own(const std::string& name, Tm_value* v, Tm_cata
     Slot slot = Slot::owning(v);  // owns (or has deleted) v from here on
     Name shared(name);
     if (catalog) catalog->add(shared);
-    append(shared, std::move(slot));
+    append_interned(shared, std::move(slot), catalog);
 }
 
 bool Tm_struct::get_member_bool(const std::string& n) const { return typed(n, TMV_BOOL).as_bool(); }
@@ -252,43 +289,43 @@ const Name& Tm_prenamed_struct::name_at(int index, Tm_catalog<std::string>* cata
     return name;
 }
 
-void Tm_prenamed_struct::add_member(int i, bool v, Tm_catalog<std::string>* c) { append(name_at(i, c), Slot::of_bool(v)); }
+void Tm_prenamed_struct::add_member(int i, bool v, Tm_catalog<std::string>* c) { append_interned(name_at(i, c), Slot::of_bool(v), c); }
 void Tm_prenamed_struct::add_member(int i, signed char v, Tm_catalog<std::string>* c) {
-    append(name_at(i, c), Slot::of_signed(TMV_INT8, v));
+    append_interned(name_at(i, c), Slot::of_signed(TMV_INT8, v), c);
 }
 void Tm_prenamed_struct::add_member(int i, unsigned char v, Tm_catalog<std::string>* c) {
-    append(name_at(i, c), Slot::of_unsigned(TMV_UINT8, v));
+    append_interned(name_at(i, c), Slot::of_unsigned(TMV_UINT8, v), c);
 }
 void Tm_prenamed_struct::add_member(int i, short v, Tm_catalog<std::string>* c) {
-    append(name_at(i, c), Slot::of_signed(TMV_INT16, v));
+    append_interned(name_at(i, c), Slot::of_signed(TMV_INT16, v), c);
 }
 void Tm_prenamed_struct::add_member(int i, unsigned short v, Tm_catalog<std::string>* c) {
-    append(name_at(i, c), Slot::of_unsigned(TMV_UINT16, v));
+    append_interned(name_at(i, c), Slot::of_unsigned(TMV_UINT16, v), c);
 }
 void Tm_prenamed_struct::add_member(int i, int v, Tm_catalog<std::string>* c) {
-    append(name_at(i, c), Slot::of_signed(TMV_INT32, v));
+    append_interned(name_at(i, c), Slot::of_signed(TMV_INT32, v), c);
 }
 void Tm_prenamed_struct::add_member(int i, unsigned int v, Tm_catalog<std::string>* c) {
-    append(name_at(i, c), Slot::of_unsigned(TMV_UINT32, v));
+    append_interned(name_at(i, c), Slot::of_unsigned(TMV_UINT32, v), c);
 }
 void Tm_prenamed_struct::add_member(int i, long v, Tm_catalog<std::string>* c) {
-    append(name_at(i, c), Slot::of_signed(TMV_INT64, v));
+    append_interned(name_at(i, c), Slot::of_signed(TMV_INT64, v), c);
 }
 void Tm_prenamed_struct::add_member(int i, unsigned long v, Tm_catalog<std::string>* c) {
-    append(name_at(i, c), Slot::of_unsigned(TMV_UINT64, v));
+    append_interned(name_at(i, c), Slot::of_unsigned(TMV_UINT64, v), c);
 }
 void Tm_prenamed_struct::add_member(int i, double v, Tm_catalog<std::string>* c) {
-    append(name_at(i, c), Slot::of_double(v));
+    append_interned(name_at(i, c), Slot::of_double(v), c);
 }
 void Tm_prenamed_struct::add_member(int i, const char* v, Tm_catalog<std::string>* c) {
     const Name& name = name_at(i, c);
-    append(name, Slot::owning(new Tm_string(v ? v : "")));
+    append_interned(name, Slot::owning(new Tm_string(v ? v : "")), c);
 }
 void Tm_prenamed_struct::add_member(int i, const std::string& v, Tm_catalog<std::string>* c) {
     const Name& name = name_at(i, c);
-    append(name, Slot::owning(new Tm_string(v)));
+    append_interned(name, Slot::owning(new Tm_string(v)), c);
 }
 void Tm_prenamed_struct::add_member_and_own(int i, Tm_value* v, Tm_catalog<std::string>* c) {
     Slot slot = Slot::owning(v);
-    append(name_at(i, c), std::move(slot));
+    append_interned(name_at(i, c), std::move(slot), c);
 }

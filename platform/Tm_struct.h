@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "platform/Tm_catalog.h"
+#include "platform/Tm_pool.h"
 #include "platform/Tm_slot.h"
 #include "platform/Tm_value.h"
 
@@ -93,7 +95,15 @@ public:
     void reserve_members(std::size_t count) { m_members.reserve(count); }
     void append(const tm_detail::Name& name, tm_detail::Slot slot) {
         m_members.push_back(Member{name, std::move(slot)});
+        m_interned = tm_detail::kUnknown;
     }
+    void append(tm_detail::Name&& name, tm_detail::Slot slot) {
+        m_members.push_back(Member{std::move(name), std::move(slot)});
+        m_interned = tm_detail::kUnknown;
+    }
+    // The catalog that holds every member name of this struct, nested ones included
+    // (see tm_detail::interned_in).
+    std::uint64_t interned_in() const { return m_interned; }
     // Index of the member called `name`, trying position `hint` first (record readers find
     // their fields in order), or -1.
     int find_member(const char* name, int hint) const;
@@ -104,13 +114,16 @@ public:
 
 protected:
     const tm_detail::Slot& typed(const std::string& name, TMV kind) const;
+    // Appends a member whose name `catalog` (may be null) has just interned.
+    void append_interned(const tm_detail::Name& name, tm_detail::Slot slot, const Tm_catalog<std::string>* catalog);
 
 private:
     struct Member {
         tm_detail::Name name;
         tm_detail::Slot slot;
     };
-    std::vector<Member> m_members;
+    std::vector<Member, tm_detail::Pool_allocator<Member>> m_members;
+    std::uint64_t m_interned = tm_detail::kNoNames;
 };
 
 // A struct whose member names come from a static, null-terminated names table: clear(names)

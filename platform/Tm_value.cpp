@@ -1,6 +1,7 @@
 #include "platform/Tm_value.h"
 
 #include "platform/Message.h"
+#include "platform/Tm_pool.h"
 
 const char* tmv_name(int kind) {
     static const char* const names[] = {"int8",   "uint8",  "int16",  "uint16", "int32", "uint32",
@@ -11,6 +12,13 @@ const char* tmv_name(int kind) {
 
 Tm_visitor::~Tm_visitor() = default;
 Tm_value::~Tm_value() = default;
+
+void* Tm_value::operator new(std::size_t size) { return Tm_node_pool::allocate(size); }
+void Tm_value::operator delete(void* p, std::size_t size) noexcept { Tm_node_pool::release(p, size); }
+void* Tm_value::operator new(std::size_t size, std::align_val_t align) { return ::operator new(size, align); }
+void Tm_value::operator delete(void* p, std::size_t, std::align_val_t align) noexcept {
+    ::operator delete(p, align);
+}
 
 bool Tm_string::equals(const Tm_value& other) const {
     return other.get_value_type() == TMV_STRING && static_cast<const Tm_string&>(other).m_value == m_value;

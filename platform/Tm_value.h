@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -39,8 +40,16 @@ public:
 
 // Base of every value. Values are owned through raw pointers handed to containers
 // (add_member_and_own) or through clone(); the container deletes what it owns.
+// Values made with `new` come from the runtime's node pool (see Tm_pool.h), which keeps
+// the nodes of one message together; `delete` gives them back to it.
 class Tm_value {
 public:
+    static void* operator new(std::size_t size);
+    static void operator delete(void* p, std::size_t size) noexcept;
+    // Types aligned beyond what the general heap guarantees bypass the pool.
+    static void* operator new(std::size_t size, std::align_val_t align);
+    static void operator delete(void* p, std::size_t size, std::align_val_t align) noexcept;
+
     virtual Tm_value* clone() const = 0;
     virtual ~Tm_value();
     // Deep equality: same kind and same contents (struct member names and order included).

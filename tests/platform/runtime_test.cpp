@@ -1,6 +1,7 @@
 // Enumeration maps, getters by name and index, and ownership of handed-over values.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
@@ -208,6 +209,62 @@ TEST(Ownership, MessagesMadeOnOneThreadAreDroppedOnAnother) {
     }
     dropper.join();
     EXPECT_TRUE(allEqual);
+}
+
+// A decoded message's members borrow its name table; copies taken from it keep reading
+// their names after the message is gone or has decoded something else.
+TEST(Ownership, CopiesOfDecodedValuesOutliveTheirMessage) {
+    Message sent;
+    auto* inner = new Tm_struct;
+    inner->add_member("first-name-long-enough-for-the-heap", 1);
+    auto* list = new Tm_array;
+    list->add_member_and_own(inner);
+    sent.add_member_and_own(S, "list", list);
+    auto decoded = std::make_unique<Message>();
+    tmsg::decode(tmsg::encode(sent), *decoded);
+    std::unique_ptr<Tm_value> item(decoded->get_member_array(R, "list")->get_member_struct(0)->clone());
+    const Message copy = *decoded;
+    tmsg::decode(tmsg::encode(Message()), *decoded);
+    EXPECT_EQ(decoded->get_member_count(R), 0);
+    decoded.reset();
+    EXPECT_EQ(static_cast<const Tm_struct&>(*item).get_member_name(0), "first-name-long-enough-for-the-heap");
+    EXPECT_EQ(copy.get_member_array(R, "list")->get_member_struct(0)->get_member_int32(
+                  "first-name-long-enough-for-the-heap"), 1);
+}
+
+// However members were added (interned by a names table as they came, by hand without a
+// catalog, interned in another message's catalog, or interned before the catalog was
+// emptied), the send catalog holds every name once the message asks for them all.
+TEST(PrenamedStruct, EveryNameReachesTheCatalog) {
+    const char* const names[] = {"alpha", "beta", nullptr};
+    const auto record = [&](Tm_catalog<std::string>* catalog, int index) {
+        auto* p = new Tm_prenamed_struct;
+        p->clear(names);
+        p->add_member(index, 1, catalog);
+        return p;
+    };
+    for (int way = 0; way < 4; ++way) {
+        Message m;
+        Tm_catalog<std::string>* catalog = m.get_send_member_string(S);
+        Message other;
+        Tm_prenamed_struct* p = way == 2 ? record(other.get_send_member_string(S), 1) : record(catalog, 0);
+        if (way == 1) {
+            auto* plain = new Tm_struct;
+            plain->add_member("gamma", 2);
+            p->add_member_and_own(1, plain, catalog);  // interns "beta", not "gamma"
+        }
+        auto* list = new Tm_array;
+        list->add_member_and_own(record(catalog, 0));
+        list->add_member_and_own(p);
+        m.add_member_and_own(S, "list", list);
+        if (way == 3) catalog->clear();
+        ASSERT_TRUE(m.create_send_member_string_meta());
+        std::vector<std::string> held = catalog->names();
+        std::sort(held.begin(), held.end());
+        const std::vector<std::vector<std::string>> expected = {
+            {"alpha", "list"}, {"alpha", "beta", "gamma", "list"}, {"alpha", "beta", "list"}, {"alpha", "list"}};
+        EXPECT_EQ(held, expected[static_cast<std::size_t>(way)]) << "way " << way;
+    }
 }
 
 TEST(PrenamedStruct, MembersAreNamedFromTheTableAndInternedInTheCatalog) {

@@ -1,4 +1,4 @@
-// Counts the bytes that global operator new hands out and operator delete takes back, and
+// Counts the bytes that global operator new (aligned or not) hands out and operator delete takes back, and
 // the peak of what is live while a measurement runs. Replaces the global allocation
 // functions: include it in exactly one source of a program.
 #pragma once
@@ -25,8 +25,9 @@ std::size_t peak_of(F&& f) {
     return g_peak.load() - base;
 }
 
-inline void* take(std::size_t size) {
-    void* p = std::malloc(size == 0 ? 1 : size);
+inline void* take(std::size_t size, std::size_t align = 0) {
+    if (size == 0) size = 1;
+    void* p = align ? std::aligned_alloc(align, (size + align - 1) / align * align) : std::malloc(size);
     if (p) {
         const std::size_t live = g_live.fetch_add(malloc_usable_size(p)) + malloc_usable_size(p);
         std::size_t peak = g_peak.load();
@@ -51,6 +52,23 @@ void* operator new(std::size_t size) {
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return alloc_meter::take(size); }
 void* operator new[](std::size_t size) { return ::operator new(size); }
 void* operator new[](std::size_t size, const std::nothrow_t& t) noexcept { return ::operator new(size, t); }
+void* operator new(std::size_t size, std::align_val_t a) {
+    if (void* p = alloc_meter::take(size, static_cast<std::size_t>(a))) return p;
+    throw std::bad_alloc();
+}
+void* operator new(std::size_t size, std::align_val_t a, const std::nothrow_t&) noexcept {
+    return alloc_meter::take(size, static_cast<std::size_t>(a));
+}
+void* operator new[](std::size_t size, std::align_val_t a) { return ::operator new(size, a); }
+void* operator new[](std::size_t size, std::align_val_t a, const std::nothrow_t& t) noexcept {
+    return ::operator new(size, a, t);
+}
+void operator delete(void* p, std::align_val_t) noexcept { alloc_meter::give(p); }
+void operator delete(void* p, std::size_t, std::align_val_t) noexcept { alloc_meter::give(p); }
+void operator delete(void* p, std::align_val_t, const std::nothrow_t&) noexcept { alloc_meter::give(p); }
+void operator delete[](void* p, std::align_val_t) noexcept { alloc_meter::give(p); }
+void operator delete[](void* p, std::size_t, std::align_val_t) noexcept { alloc_meter::give(p); }
+void operator delete[](void* p, std::align_val_t, const std::nothrow_t&) noexcept { alloc_meter::give(p); }
 void operator delete(void* p) noexcept { alloc_meter::give(p); }
 void operator delete(void* p, std::size_t) noexcept { alloc_meter::give(p); }
 void operator delete(void* p, const std::nothrow_t&) noexcept { alloc_meter::give(p); }

@@ -1,0 +1,130 @@
+#include "platform/Tm_pool.h"
+
+#include <atomic>
+#include <cstdint>
+
+namespace {
+
+constexpr std::size_t kAlign = 16;
+
+// The start of every chunk (chunks are aligned to their size, so a node's chunk is its
+// address rounded down). `balance` is what the owning thread has handed in of the nodes it
+// carved (when it stops carving from the chunk) minus what has been released; the chunk
+// goes back to the heap when it returns to zero after the hand-in.
+struct alignas(64) Chunk_header {
+    std::atomic<long> balance{0};
+};
+
+constexpr std::size_t kFirstNode = (sizeof(Chunk_header) + kAlign - 1) / kAlign * kAlign;
+
+Chunk_header* chunk_of(void* p) {
+    return reinterpret_cast<Chunk_header*>(reinterpret_cast<std::uintptr_t>(p) &
+                                           ~(static_cast<std::uintptr_t>(Tm_node_pool::kChunkBytes) - 1));
+}
+
+void free_chunk(Chunk_header* c) {
+    c->~Chunk_header();
+    ::operator delete(static_cast<void*>(c), std::align_val_t(Tm_node_pool::kChunkBytes));
+}
+
+void settle(Chunk_header* c, long delta) {
+    if (c->balance.fetch_add(delta, std::memory_order_acq_rel) + delta == 0) free_chunk(c);
+}
+
+// A thread's carving state (trivially destructible, so usable until the thread ends) and
+// the releases it has not yet settled: consecutive releases into one chunk are counted
+// here and settled with one atomic update when a release lands in another chunk.
+struct Thread_state {
+    char* next = nullptr;
+    char* end = nullptr;
+    Chunk_header* carving = nullptr;
+    long carved = 0;
+    Chunk_header* releasing = nullptr;
+    long released = 0;
+    // Set once the thread's end has handed everything in: from then on (destructors of
+    // other thread-local or static objects), chunks are handed in and releases settled at
+    // once.
+    bool ended = false;
+};
+// Initial-exec: reached without a call into the dynamic linker on every node. The state is
+// small enough for the space the C library keeps for libraries loaded later.
+thread_local Thread_state t_state __attribute__((tls_model("initial-exec")));
+
+void hand_in(Thread_state& s) {
+    if (s.releasing) {
+        Chunk_header* c = s.releasing;
+        const long n = s.released;
+        s.releasing = nullptr;
+        s.released = 0;
+        settle(c, -n);
+    }
+    if (s.carving) {
+        Chunk_header* c = s.carving;
+        const long n = s.carved;
+        s.carving = nullptr;
+        s.next = s.end = nullptr;
+        s.carved = 0;
+        settle(c, n);
+    }
+}
+
+// Hands in the thread's chunk and its unsettled releases when the thread ends.
+struct Thread_exit {
+    Thread_exit() noexcept {}
+    ~Thread_exit() {
+        hand_in(t_state);
+        t_state.ended = true;
+    }
+    void arm() noexcept {}
+};
+thread_local Thread_exit t_exit;
+
+void* carve_from_new_chunk(Thread_state& s, std::size_t size) {
+    t_exit.arm();  // registers the hand-in at thread end
+    void* raw = ::operator new(Tm_node_pool::kChunkBytes, std::align_val_t(Tm_node_pool::kChunkBytes));
+    auto* c = new (raw) Chunk_header;
+    if (s.carving) settle(s.carving, s.carved);
+    s.carving = c;
+    s.carved = 1;
+    s.next = static_cast<char*>(raw) + kFirstNode + size;
+    s.end = static_cast<char*>(raw) + Tm_node_pool::kChunkBytes;
+    if (s.ended) hand_in(s);
+    return static_cast<char*>(raw) + kFirstNode;
+}
+
+}  // namespace
+
+void* Tm_node_pool::allocate(std::size_t size) {
+    if (size > kLargest) return ::operator new(size);
+    size = size == 0 ? kAlign : (size + kAlign - 1) & ~(kAlign - 1);
+    Thread_state& s = t_state;
+    if (static_cast<std::size_t>(s.end - s.next) >= size) {
+        void* p = s.next;
+        s.next += size;
+        ++s.carved;
+        return p;
+    }
+    return carve_from_new_chunk(s, size);
+}
+
+void Tm_node_pool::release(void* p, std::size_t size) noexcept {
+    if (!p) return;
+    if (size > kLargest) {
+        ::operator delete(p);
+        return;
+    }
+    Chunk_header* c = chunk_of(p);
+    Thread_state& s = t_state;
+    if (c == s.releasing) {
+        ++s.released;
+        return;
+    }
+    if (s.ended) {
+        settle(c, -1);
+        return;
+    }
+    t_exit.arm();  // registers the settling at thread end
+    if (s.releasing) settle(s.releasing, -s.released);
+    s.releasing = c;
+    s.released = 1;
+}

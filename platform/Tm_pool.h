@@ -1,0 +1,51 @@
+// Where the runtime's value nodes and their internal lists live. Not part of the runtime's
+// interface; code outside platform/ must not use it.
+//
+// A message is tens of thousands of small nodes that are made together and dropped
+// together. Taking each from the general heap and giving it back one by one costs more than
+// everything else a message does. Instead, each thread carves its nodes, in the order it
+// makes them, out of 32 KiB chunks of its own, and a chunk goes back to the heap when the
+// last node carved from it is released (by any thread). So a message's nodes sit side by
+// side in memory, taking one costs a pointer bump and releasing one a counter update.
+//
+// The price: a node that lives on keeps its whole chunk alive. Requests above
+// kLargest bytes, and the rest of what a node owns (texts, byte payloads), come from the
+// general heap as before.
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <new>
+
+class Tm_node_pool {
+public:
+    static constexpr std::size_t kChunkBytes = 32 * 1024;
+    static constexpr std::size_t kLargest = 2048;
+
+    // `size` bytes, aligned as the general heap aligns; above kLargest from the general heap.
+    static void* allocate(std::size_t size);
+    // Gives back what allocate(size) returned (the same size).
+    static void release(void* p, std::size_t size) noexcept;
+};
+
+namespace tm_detail {
+
+// The standard allocator interface over the pool, for the lists inside nodes.
+template <class T>
+struct Pool_allocator {
+    using value_type = T;
+    Pool_allocator() = default;
+    template <class U>
+    Pool_allocator(const Pool_allocator<U>&) noexcept {}
+    T* allocate(std::size_t n) {
+        if (n > std::numeric_limits<std::size_t>::max() / sizeof(T)) throw std::bad_array_new_length();
+        return static_cast<T*>(Tm_node_pool::allocate(n * sizeof(T)));
+    }
+    void deallocate(T* p, std::size_t n) noexcept { Tm_node_pool::release(p, n * sizeof(T)); }
+    template <class U>
+    bool operator==(const Pool_allocator<U>&) const noexcept { return true; }
+    template <class U>
+    bool operator!=(const Pool_allocator<U>&) const noexcept { return false; }
+};
+
+}  // namespace tm_detail
