@@ -223,13 +223,14 @@ TEST(Ownership, CopiesOfDecodedValuesOutliveTheirMessage) {
     auto decoded = std::make_unique<Message>();
     tmsg::decode(tmsg::encode(sent), *decoded);
     std::unique_ptr<Tm_value> item(decoded->get_member_array(R, "list")->get_member_struct(0)->clone());
-    const Message copy = *decoded;
+    auto copy = std::make_unique<Message>(*decoded);
     tmsg::decode(tmsg::encode(Message()), *decoded);
     EXPECT_EQ(decoded->get_member_count(R), 0);
     decoded.reset();
-    EXPECT_EQ(static_cast<const Tm_struct&>(*item).get_member_name(0), "first-name-long-enough-for-the-heap");
-    EXPECT_EQ(copy.get_member_array(R, "list")->get_member_struct(0)->get_member_int32(
+    EXPECT_EQ(copy->get_member_array(R, "list")->get_member_struct(0)->get_member_int32(
                   "first-name-long-enough-for-the-heap"), 1);
+    copy.reset();
+    EXPECT_EQ(static_cast<const Tm_struct&>(*item).get_member_name(0), "first-name-long-enough-for-the-heap");
 }
 
 // However members were added (interned by a names table as they came, by hand without a
