@@ -1,10 +1,7 @@
-// Per-frame operations must not allocate: global operator new is counted while a probe is
-// active.
+// Per-frame operations must not allocate: the heap is metered while they run.
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
 #include <thread>
 #include <vector>
 
@@ -13,46 +10,16 @@
 #include "common/RangeModifier.h"
 #include "common/StreamBlockModifiers.h"
 #include "interfaces/generator_3_bll_records.h"
-
-namespace {
-
-bool g_counting = false;
-int g_allocations = 0;
-// Called through a pointer so that the compiler does not pair the inlined release with the
-// allocation it sees at the call site.
-void (*volatile g_release)(void*) = std::free;
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-    if (g_counting) ++g_allocations;
-    if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
-    throw std::bad_alloc();
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    if (g_counting) ++g_allocations;
-    return std::malloc(size == 0 ? 1 : size);
-}
-void* operator new[](std::size_t size) { return ::operator new(size); }
-void* operator new[](std::size_t size, const std::nothrow_t& t) noexcept { return ::operator new(size, t); }
-void operator delete(void* p) noexcept { g_release(p); }
-void operator delete(void* p, std::size_t) noexcept { g_release(p); }
-void operator delete(void* p, const std::nothrow_t&) noexcept { g_release(p); }
-void operator delete[](void* p) noexcept { g_release(p); }
-void operator delete[](void* p, std::size_t) noexcept { g_release(p); }
-void operator delete[](void* p, const std::nothrow_t&) noexcept { g_release(p); }
+#include "support/AllocationMeter.h"
 
 namespace {
 
 using Bytes = std::vector<unsigned char>;
 
+// Bytes taken from the heap while `f` runs, by any thread.
 template <class F>
-int AllocationsOf(F&& f) {
-    g_allocations = 0;
-    g_counting = true;
-    f();
-    g_counting = false;
-    return g_allocations;
+std::size_t AllocationsOf(F&& f) {
+    return alloc_meter::peak_of(f);
 }
 
 // Frame operations of a modifier, its packer and its counting, shuffle or random generator,
@@ -76,7 +43,7 @@ TEST(NoAllocation, ModifierFrameOperations) {
                               m.ZeroBytes(frame, 0, 1);
                           }
                       }),
-                      0)
+                      0u)
                 << mode << " " << offset;
         }
     }
@@ -104,11 +71,11 @@ TEST(NoAllocation, FramePlanStampFromThreads) {
     constexpr std::size_t kFrames = 5000;
     Bytes alone(kFrames * 24), together(kFrames * 24);
     plan.Stamp(1u << 30, kFrames, alone.data(), 24);
-    int allocations = -1;
+    std::size_t allocations = 1;
     std::thread other([&] { plan.Stamp((1u << 30) + kFrames / 2, kFrames / 2, together.data() + kFrames / 2 * 24, 24); });
     allocations = AllocationsOf([&] { plan.Stamp(1u << 30, kFrames / 2, together.data(), 24); });
     other.join();
-    EXPECT_EQ(allocations, 0);
+    EXPECT_EQ(allocations, 0u);
     EXPECT_EQ(alone, together);
 }
 

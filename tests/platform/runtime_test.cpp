@@ -53,13 +53,6 @@ TEST(EnumMap, NameToValue) {
     EXPECT_EQ(tms_string_to_enum("7", nullptr), 7);
 }
 
-TEST(EnumMap, EveryRowSurvivesATripThroughItsName) {
-    for (const tm_enum_map* row = kModes; row->name; ++row) {
-        EXPECT_EQ(tms_string_to_enum(tms_enum_to_string(row->value, kModes), kModes), row->value);
-    }
-    EXPECT_EQ(tms_string_to_enum(tms_enum_to_string(1234, kModes), kModes), 1234);
-}
-
 TEST(Getters, MissingMemberNamesTheMemberWrongKindIsAMismatch) {
     Message m;
     m.add_member(R, "count", 3u);
