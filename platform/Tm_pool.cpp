@@ -33,7 +33,9 @@ void settle(Chunk_header* c, long delta) {
 
 // A thread's carving state (trivially destructible, so usable until the thread ends) and
 // the releases it has not yet settled: consecutive releases into one chunk are counted
-// here and settled with one atomic update when a release lands in another chunk.
+// here and settled with one atomic update when a release lands in another chunk. So a
+// thread keeps at most the chunk it carves from and one chunk whose last releases it has
+// counted but not settled.
 struct Thread_state {
     char* next = nullptr;
     char* end = nullptr;
