@@ -114,7 +114,12 @@ std::size_t Tm_array::wire_size(TMV kind) {
 void Tm_array::assign_packed(TMV kind, const unsigned char* data, std::size_t count) {
     m_items.clear();
     m_interned = tm_detail::kNoNames;
-    m_packedBytes.assign(data, data + count * wire_size(kind));
+    // Sized, then copied in one go: a vector over the pool's allocator would copy element
+    // by element.
+    const std::size_t bytes = count * wire_size(kind);
+    m_packedBytes.clear();
+    m_packedBytes.resize(bytes);
+    if (bytes) std::memcpy(m_packedBytes.data(), data, bytes);
     m_packedData = count ? m_packedBytes.data() : nullptr;
     m_packedCount = count;
     m_packedKind = kind;
