@@ -121,10 +121,14 @@ void Tm_struct::member_accept(int index, Tm_visitor& visitor) const {
 }
 
 int Tm_struct::find_member(const char* name, int hint) const {
-    const std::size_t len = std::strlen(name);
+    // Compared in one pass, without measuring `name` first: names are short and the member
+    // at the hint is nearly always the one.
     const auto is = [&](const Member& m) {
         const std::string& t = m.name.text();
-        return t.size() == len && std::memcmp(t.data(), name, len) == 0;
+        for (std::size_t i = 0; i < t.size(); ++i) {
+            if (name[i] == '\0' || name[i] != t[i]) return false;
+        }
+        return name[t.size()] == '\0';
     };
     if (hint >= 0 && hint < get_member_count() && is(m_members[static_cast<size_t>(hint)])) return hint;
     for (size_t i = 0; i < m_members.size(); ++i) {

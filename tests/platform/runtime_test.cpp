@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "platform/Message.h"
@@ -85,6 +86,16 @@ TEST(Getters, MissingMemberNamesTheMemberWrongKindIsAMismatch) {
     }
     EXPECT_EQ(m.get_member_index(R, "name"), 1);
     EXPECT_EQ(m.get_member_index(R, "absent"), -1);
+}
+
+TEST(Getters, MembersAreFoundByTheirWholeName) {
+    Tm_struct s;
+    s.add_member("rate", 1);
+    s.add_member("rateMode", 2);
+    s.add_member(std::string("a\0b", 3), 3);
+    const std::vector<std::tuple<const char*, int, int>> cases = {
+        {"rateMode", 0, 1}, {"rate", 1, 0}, {"rat", 0, -1}, {"rateModeX", 1, -1}, {"a", 2, -1}};
+    for (const auto& [name, hint, index] : cases) EXPECT_EQ(s.find_member(name, hint), index) << name;
 }
 
 TEST(Getters, ArrayChecksKindThenIndex) {
