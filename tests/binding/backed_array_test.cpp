@@ -119,17 +119,6 @@ TEST(BackedArray, EncodesExactlyLikeAPlainArrayOfTheSameItems) {
     }
 }
 
-TEST(BackedArray, PointerRangeOfBytes) {
-    const unsigned char bytes[] = {9, 8, 7};
-    Tm_backed_array<const unsigned char*> view(bytes, 3, TMV_UINT8);
-    Tm_copy_backed_array<unsigned char, const unsigned char*> copy(bytes, 3, TMV_UINT8);
-    for (const Tm_array* a : {static_cast<const Tm_array*>(&view), static_cast<const Tm_array*>(&copy)}) {
-        ASSERT_EQ(a->get_member_count(), 3);
-        EXPECT_EQ(a->get_member_uint8(2), 7);
-        EXPECT_EQ(tmsg::to_json(*a), "[9, 8, 7]");
-    }
-}
-
 TEST(BackedArray, ViewFollowsTheCallersVectorCopyDoesNot) {
     std::vector<int> v{1, 2, 3};
     std::unique_ptr<Tm_array> view(make_scalar_array(v, false));
