@@ -1,5 +1,6 @@
 #include "platform/Message.h"
 
+#include <cstdint>
 #include <memory>
 #include <typeinfo>
 
@@ -59,8 +60,13 @@ private:
 // catalog as they were added are skipped.
 void collect_names(const Tm_value& v, Tm_catalog<std::string>& catalog);
 
+// Whether a value's names (its interned_in()) need no walk for `catalog`.
+bool nothing_to_intern(std::uint64_t interned, const Tm_catalog<std::string>& catalog) {
+    return interned == catalog.id() || interned == tm_detail::kNoNames;
+}
+
 void collect_struct(const Tm_struct& s, Tm_catalog<std::string>& catalog) {
-    if (s.interned_in() == catalog.id() || s.interned_in() == tm_detail::kNoNames) return;
+    if (nothing_to_intern(s.interned_in(), catalog)) return;
     const int n = s.get_member_count();
     for (int i = 0; i < n; ++i) {
         catalog.add(s.member_name_handle(i));
@@ -70,11 +76,11 @@ void collect_struct(const Tm_struct& s, Tm_catalog<std::string>& catalog) {
 
 void collect_names(const Tm_value& v, Tm_catalog<std::string>& catalog) {
     using tm_detail::is_exactly;
-    if (is_exactly<Tm_prenamed_struct>(v) || is_exactly<Tm_struct>(v)) {
+    if (tm_detail::is_plain_struct(v)) {
         collect_struct(static_cast<const Tm_struct&>(v), catalog);
     } else if (is_exactly<Tm_array>(v)) {
         const auto& a = static_cast<const Tm_array&>(v);
-        if (a.holds_packed() || a.interned_in() == catalog.id() || a.interned_in() == tm_detail::kNoNames) return;
+        if (a.holds_packed() || nothing_to_intern(a.interned_in(), catalog)) return;
         const int n = a.get_member_count();
         for (int i = 0; i < n; ++i) {
             if (const Tm_value* item = a.item_slot(i).value()) collect_names(*item, catalog);

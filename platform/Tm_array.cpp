@@ -202,13 +202,14 @@ void Tm_array::add_member(const std::string& v, unsigned int maxLength) { unpack
 }
 void Tm_array::add_member(const Tm_value* v) { unpack();
     if (!v) throw Tm_exception("null value");
-    Slot slot = Slot::owning(v->clone());
-    m_interned = tm_detail::meet(m_interned, tm_detail::interned_in(slot));
-    m_items.push_back(std::move(slot));
+    append_value(Slot::owning(v->clone()));
 }
 void Tm_array::add_member_and_own(Tm_value* v) {
     Slot slot = Slot::owning(v);
     unpack();
+    append_value(std::move(slot));
+}
+void Tm_array::append_value(Slot slot) {
     const std::uint64_t interned = tm_detail::meet(m_interned, tm_detail::interned_in(slot));
     m_items.push_back(std::move(slot));
     m_interned = interned;

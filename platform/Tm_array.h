@@ -129,6 +129,8 @@ private:
     // Element `index` of packed storage of kind `kind` (checked like the getters).
     tm_detail::Slot packed_slot(int index, TMV kind) const;
     tm_detail::Slot element_slot(std::size_t index) const;
+    // Appends a value (a struct, array or other non-scalar) and notes where its names are.
+    void append_value(tm_detail::Slot slot);
     Tm_catalog<std::string>* m_catalog;
     std::vector<tm_detail::Slot, tm_detail::Pool_allocator<tm_detail::Slot>> m_items;
     // Packed storage of a plain array (m_packedBytes) or a derived array's view.

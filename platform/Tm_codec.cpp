@@ -198,7 +198,7 @@ class Encoder final : public Tm_visitor {
     // any other value (derived structs and arrays) through its accept().
     void write_value(const Tm_value& v) {
         using tm_detail::is_exactly;
-        if (is_exactly<Tm_prenamed_struct>(v) || is_exactly<Tm_struct>(v)) {
+        if (tm_detail::is_plain_struct(v)) {
             write_struct(static_cast<const Tm_struct&>(v));
         } else if (v.get_value_type() == TMV_ARRAY) {
             const auto& a = static_cast<const Tm_array&>(v);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <mutex>
 #include <unordered_map>
@@ -56,9 +55,7 @@ std::uint64_t tm_detail::interned_in(const Slot& slot) {
     if (!v) return kNoNames;
     switch (slot.kind()) {
         case TMV_STRUCT:
-            return is_exactly<Tm_prenamed_struct>(*v) || is_exactly<Tm_struct>(*v)
-                       ? static_cast<const Tm_struct*>(v)->interned_in()
-                       : kUnknown;
+            return is_plain_struct(*v) ? static_cast<const Tm_struct*>(v)->interned_in() : kUnknown;
         case TMV_ARRAY: {
             const auto* a = static_cast<const Tm_array*>(v);
             Tm_array::Packed p;

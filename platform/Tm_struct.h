@@ -93,11 +93,7 @@ public:
     const tm_detail::Name& member_name_handle(int index) const { return m_members[static_cast<size_t>(index)].name; }
     const tm_detail::Slot& member_slot(int index) const { return m_members[static_cast<size_t>(index)].slot; }
     void reserve_members(std::size_t count) { m_members.reserve(count); }
-    void append(const tm_detail::Name& name, tm_detail::Slot slot) {
-        m_members.push_back(Member{name, std::move(slot)});
-        m_interned = tm_detail::kUnknown;
-    }
-    void append(tm_detail::Name&& name, tm_detail::Slot slot) {
+    void append(tm_detail::Name name, tm_detail::Slot slot) {
         m_members.push_back(Member{std::move(name), std::move(slot)});
         m_interned = tm_detail::kUnknown;
     }
@@ -170,3 +166,12 @@ private:
     // The shared names of the installed table (owned by a process-wide registry of tables).
     const tm_detail::Name* m_handles = nullptr;
 };
+
+namespace tm_detail {
+
+// Whether `v` is one of the runtime's own structs (not a class a host derives from them).
+inline bool is_plain_struct(const Tm_value& v) {
+    return is_exactly<Tm_prenamed_struct>(v) || is_exactly<Tm_struct>(v);
+}
+
+}  // namespace tm_detail
