@@ -53,18 +53,14 @@ int Tm_catalog<std::string>::find(const std::string& name) const {
     return it == m_index.end() ? -1 : it->second;
 }
 
-int Tm_catalog<std::string>::add(const tm_detail::Name& name) {
-    int index = name.cached_index(m_id);
-    if (index >= 0) return index;
-    index = add(name.text());
+int Tm_catalog<std::string>::add_uncached(const tm_detail::Name& name) {
+    const int index = add(name.text());
     name.remember_index(m_id, index);
     return index;
 }
 
-int Tm_catalog<std::string>::find(const tm_detail::Name& name) const {
-    int index = name.cached_index(m_id);
-    if (index >= 0) return index;
-    index = find(name.text());
+int Tm_catalog<std::string>::find_uncached(const tm_detail::Name& name) const {
+    const int index = find(name.text());
     if (index >= 0) name.remember_index(m_id, index);
     return index;
 }

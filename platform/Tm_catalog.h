@@ -33,12 +33,20 @@ public:
 
     // The same as add() and find() for a shared member name; a name interned here before
     // is found again without hashing its text.
-    int add(const tm_detail::Name& name);
-    int find(const tm_detail::Name& name) const;
+    int add(const tm_detail::Name& name) {
+        const int index = name.cached_index(m_id);
+        return index >= 0 ? index : add_uncached(name);
+    }
+    int find(const tm_detail::Name& name) const {
+        const int index = name.cached_index(m_id);
+        return index >= 0 ? index : find_uncached(name);
+    }
     // Identifies these contents (never tm_detail::kNoNames nor kUnknown).
     std::uint64_t id() const { return m_id; }
 
 private:
+    int add_uncached(const tm_detail::Name& name);
+    int find_uncached(const tm_detail::Name& name) const;
     std::vector<std::string> m_names;
     std::unordered_map<std::string, int> m_index;
     // Identifies these contents for the index that names remember: renewed whenever an

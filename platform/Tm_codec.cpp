@@ -84,21 +84,44 @@ class Writer {
     }
     void bytes(const void* data, std::size_t size) {
         varint(size);
-        if (size == 0) return;
-        ensure(size);
-        std::memcpy(m_base + m_len, data, size);
-        m_len += size;
+        raw(data, size);
     }
     void raw(const void* data, std::size_t size) {
         if (size == 0) return;
         ensure(size);
-        std::memcpy(m_base + m_len, data, size);
+        if (size <= 16) {
+            copy_small(m_base + m_len, static_cast<const unsigned char*>(data), size);
+        } else {
+            std::memcpy(m_base + m_len, data, size);
+        }
         m_len += size;
     }
     std::size_t length() const { return m_len; }
     void finish() { m_out.resize(m_len); }
 
   private:
+    // Copies 1 to 16 bytes inline (names, short texts and small arrays are most of what a
+    // message holds; a call into the C library per copy costs more than the copy): two
+    // overlapping loads and stores of the widest size that fits.
+    static void copy_small(unsigned char* d, const unsigned char* s, std::size_t n) {
+        if (n >= 8) {
+            std::uint64_t a, b;
+            std::memcpy(&a, s, 8);
+            std::memcpy(&b, s + n - 8, 8);
+            std::memcpy(d, &a, 8);
+            std::memcpy(d + n - 8, &b, 8);
+        } else if (n >= 4) {
+            std::uint32_t a, b;
+            std::memcpy(&a, s, 4);
+            std::memcpy(&b, s + n - 4, 4);
+            std::memcpy(d, &a, 4);
+            std::memcpy(d + n - 4, &b, 4);
+        } else {
+            d[0] = s[0];
+            d[n / 2] = s[n / 2];
+            d[n - 1] = s[n - 1];
+        }
+    }
     void grow(std::size_t n) {
         const std::size_t want = std::max({m_len + n, m_cap * 2, std::size_t(256)});
         m_out.resize(want);
@@ -117,7 +140,6 @@ class Writer {
 class Encoder final : public Tm_visitor {
   public:
     Encoder(Writer& w, const Tm_catalog<std::string>& catalog) : m_w(w), m_catalog(catalog) {
-        m_stack.reserve(kMaxDepth + 4);
         // The root: one untagged member list at level 0.
         m_stack.push_back(Frame{false, true, TMV_STRUCT, 0, 1});
     }
@@ -365,12 +387,31 @@ class Encoder final : public Tm_visitor {
     void close() {
         if (m_stack.back().remaining != 0)
             throw Tm_exception("encode: fewer items than the container announced");
-        m_stack.pop_back();
+        m_stack.pop();
     }
+
+    // The open containers. Each level holds at most two (a message's member list sits at the
+    // message's level), and levels are checked before anything is pushed.
+    class Frames {
+      public:
+        void push_back(const Frame& f) {
+            if (m_count == kCapacity) throw Tm_exception("encode: values nested too deeply");
+            m_frames[m_count++] = f;
+        }
+        Frame& back() { return m_frames[m_count - 1]; }
+        const Frame& back() const { return m_frames[m_count - 1]; }
+        void pop() { --m_count; }
+        std::size_t size() const { return m_count; }
+
+      private:
+        static constexpr std::size_t kCapacity = 2 * (kMaxDepth + 4);
+        Frame m_frames[kCapacity];
+        std::size_t m_count = 0;
+    };
 
     Writer& m_w;
     const Tm_catalog<std::string>& m_catalog;
-    std::vector<Frame> m_stack;
+    Frames m_stack;
     std::unordered_map<std::string, int> m_extraIndex;
     std::vector<const std::string*> m_extraNames;
 };
@@ -566,30 +607,30 @@ class Decoder {
             case TMV_BOOL:
                 return Slot::of_bool(read_bool());
             case TMV_STRING:
-                return Slot::owning(new Tm_string(bytes_as_string()));
+                return Slot::of_value(TMV_STRING, new Tm_string(bytes_as_string()));
             case TMV_BINARY:
-                return Slot::owning(new Tm_binary(bytes_as_vector()));
+                return Slot::of_value(TMV_BINARY, new Tm_binary(bytes_as_vector()));
             case TMV_DATE:
-                return Slot::owning(new Tm_date(static_cast<long>(fixed<8>())));
+                return Slot::of_value(TMV_DATE, new Tm_date(static_cast<long>(fixed<8>())));
             case TMV_FILE: {
                 std::string name = bytes_as_string();
                 std::vector<unsigned char> content = bytes_as_vector();
-                return Slot::owning(new Tm_file(std::move(name), std::move(content)));
+                return Slot::of_value(TMV_FILE, new Tm_file(std::move(name), std::move(content)));
             }
             case TMV_STRUCT: {
                 auto s = std::make_unique<Tm_struct>();
                 read_body(*s, deeper(level, tagAt));
-                return Slot::owning(s.release());
+                return Slot::of_value(TMV_STRUCT, s.release());
             }
             case TMV_ARRAY: {
                 auto a = std::make_unique<Tm_array>();
                 read_array(*a, deeper(level, tagAt));
-                return Slot::owning(a.release());
+                return Slot::of_value(TMV_ARRAY, a.release());
             }
             case TMV_MESSAGE: {
                 auto m = std::make_unique<Tm_message>();
                 read_message(m->get(), deeper(level, tagAt));
-                return Slot::owning(m.release());
+                return Slot::of_value(TMV_MESSAGE, m.release());
             }
             default:
                 fail(tagAt, "unknown kind tag " + std::to_string(tag));

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <typeinfo>
@@ -59,6 +60,21 @@ public:
     }
 
     const std::string& text() const { return rep()->text; }
+    // Whether the text is `s` (NUL-terminated). `s` must keep its text at its address for
+    // the life of the process (a literal, as the record descriptions' names are): the name
+    // remembers the address it last matched and recognises it again without comparing.
+    bool is(const char* s) const {
+        Rep* r = rep();
+        if (r->matched.load(std::memory_order_relaxed) == s) return true;
+        const std::string& t = r->text;
+        // One pass, without measuring `s` first.
+        for (std::size_t i = 0; i < t.size(); ++i) {
+            if (s[i] == '\0' || s[i] != t[i]) return false;
+        }
+        if (s[t.size()] != '\0') return false;
+        r->matched.store(s, std::memory_order_relaxed);
+        return true;
+    }
     // Identity of the shared text: equal identities mean equal texts.
     const void* id() const { return rep(); }
 
@@ -83,6 +99,7 @@ private:
         const bool immortal;
         std::atomic<long> refs{1};
         std::atomic<std::uint64_t> cache{0};
+        std::atomic<const char*> matched{nullptr};
     };
     static std::uintptr_t bits_of(Rep* r) { return reinterpret_cast<std::uintptr_t>(r); }
     Rep* rep() const { return reinterpret_cast<Rep*>(m_bits & ~kBorrowedBit); }
@@ -99,6 +116,13 @@ public:
     static Slot of_bool(bool v) { return of_unsigned(TMV_BOOL, v ? 1 : 0); }
     // Takes ownership of `v` (non-null). A boxed scalar is unboxed and deleted.
     static Slot owning(Tm_value* v);
+    // Takes ownership of `v` (non-null), whose kind is `kind`, not a scalar.
+    static Slot of_value(TMV kind, Tm_value* v) {
+        Slot s;
+        s.m_kind = kind;
+        s.m_u.p = v;
+        return s;
+    }
 
     Slot(Slot&& o) noexcept : m_kind(o.m_kind), m_u(o.m_u) { o.m_kind = TMV_INT32; o.m_u.i = 0; }
     Slot& operator=(Slot&& o) noexcept;

@@ -43,12 +43,6 @@ Tm_struct& Tm_struct::operator=(Tm_struct&& other) noexcept {
     return *this;
 }
 
-void Tm_struct::append_interned(const Name& name, Slot slot, const Tm_catalog<std::string>* catalog) {
-    const std::uint64_t value = tm_detail::interned_in(slot);
-    m_members.push_back(Member{name, std::move(slot)});
-    m_interned = tm_detail::meet(m_interned, tm_detail::meet(catalog ? catalog->id() : tm_detail::kUnknown, value));
-}
-
 std::uint64_t tm_detail::interned_in(const Slot& slot) {
     using tm_detail::is_exactly;
     const Tm_value* v = slot.value();
@@ -117,30 +111,18 @@ void Tm_struct::member_accept(int index, Tm_visitor& visitor) const {
     m_members[static_cast<size_t>(index)].slot.accept(visitor);
 }
 
-int Tm_struct::find_member(const char* name, int hint) const {
-    // Compared in one pass, without measuring `name` first: names are short and the member
-    // at the hint is nearly always the one.
-    const auto is = [&](const Member& m) {
-        const std::string& t = m.name.text();
-        for (std::size_t i = 0; i < t.size(); ++i) {
-            if (name[i] == '\0' || name[i] != t[i]) return false;
-        }
-        return name[t.size()] == '\0';
-    };
-    if (hint >= 0 && hint < get_member_count() && is(m_members[static_cast<size_t>(hint)])) return hint;
+int Tm_struct::find_member_from_start(const char* name) const {
     for (size_t i = 0; i < m_members.size(); ++i) {
-        if (is(m_members[i])) return static_cast<int>(i);
+        if (m_members[i].name.is(name)) return static_cast<int>(i);
     }
     return -1;
 }
 
-const Slot& Tm_struct::member_of_kind(const char* name, int hint, TMV kind) const {
-    const int i = find_member(name, hint);
-    if (i < 0) throw Tm_exception("no member named '" + std::string(name) + "'");
-    const Slot& s = m_members[static_cast<size_t>(i)].slot;
-    if (s.kind() != kind) throw Tm_type_mismatch_exception(s.kind(), kind);
-    return s;
-}
+std::uint64_t Tm_struct::names_interned_in(const Slot& slot) { return tm_detail::interned_in(slot); }
+
+void Tm_struct::no_member(const char* name) { throw Tm_exception("no member named '" + std::string(name) + "'"); }
+
+void Tm_struct::kind_mismatch(TMV found, TMV wanted) { throw Tm_type_mismatch_exception(found, wanted); }
 
 const Slot& Tm_struct::typed(const std::string& name, TMV kind) const {
     const int i = get_member_index(name);
@@ -279,54 +261,14 @@ void Tm_prenamed_struct::clear(const char* const* names) {
     reserve_members(static_cast<std::size_t>(m_namesCount));
 }
 
+void Tm_prenamed_struct::bad_index(int index) const { throw Tm_out_of_range_exception(index, 0, m_namesCount - 1); }
+
 const Name& Tm_prenamed_struct::name_handle(int index) const {
-    if (index < 0 || index >= m_namesCount) throw Tm_out_of_range_exception(index, 0, m_namesCount - 1);
+    check(index);
     return m_handles[index];
 }
 
-const Name& Tm_prenamed_struct::name_at(int index, Tm_catalog<std::string>* catalog) const {
-    const Name& name = name_handle(index);
-    if (catalog) catalog->add(name);
-    return name;
-}
-
-void Tm_prenamed_struct::add_member(int i, bool v, Tm_catalog<std::string>* c) { append_interned(name_at(i, c), Slot::of_bool(v), c); }
-void Tm_prenamed_struct::add_member(int i, signed char v, Tm_catalog<std::string>* c) {
-    append_interned(name_at(i, c), Slot::of_signed(TMV_INT8, v), c);
-}
-void Tm_prenamed_struct::add_member(int i, unsigned char v, Tm_catalog<std::string>* c) {
-    append_interned(name_at(i, c), Slot::of_unsigned(TMV_UINT8, v), c);
-}
-void Tm_prenamed_struct::add_member(int i, short v, Tm_catalog<std::string>* c) {
-    append_interned(name_at(i, c), Slot::of_signed(TMV_INT16, v), c);
-}
-void Tm_prenamed_struct::add_member(int i, unsigned short v, Tm_catalog<std::string>* c) {
-    append_interned(name_at(i, c), Slot::of_unsigned(TMV_UINT16, v), c);
-}
-void Tm_prenamed_struct::add_member(int i, int v, Tm_catalog<std::string>* c) {
-    append_interned(name_at(i, c), Slot::of_signed(TMV_INT32, v), c);
-}
-void Tm_prenamed_struct::add_member(int i, unsigned int v, Tm_catalog<std::string>* c) {
-    append_interned(name_at(i, c), Slot::of_unsigned(TMV_UINT32, v), c);
-}
-void Tm_prenamed_struct::add_member(int i, long v, Tm_catalog<std::string>* c) {
-    append_interned(name_at(i, c), Slot::of_signed(TMV_INT64, v), c);
-}
-void Tm_prenamed_struct::add_member(int i, unsigned long v, Tm_catalog<std::string>* c) {
-    append_interned(name_at(i, c), Slot::of_unsigned(TMV_UINT64, v), c);
-}
-void Tm_prenamed_struct::add_member(int i, double v, Tm_catalog<std::string>* c) {
-    append_interned(name_at(i, c), Slot::of_double(v), c);
-}
-void Tm_prenamed_struct::add_member(int i, const char* v, Tm_catalog<std::string>* c) {
-    const Name& name = name_at(i, c);
-    append_interned(name, Slot::owning(new Tm_string(v ? v : "")), c);
-}
-void Tm_prenamed_struct::add_member(int i, const std::string& v, Tm_catalog<std::string>* c) {
-    const Name& name = name_at(i, c);
-    append_interned(name, Slot::owning(new Tm_string(v)), c);
-}
-void Tm_prenamed_struct::add_member_and_own(int i, Tm_value* v, Tm_catalog<std::string>* c) {
-    Slot slot = Slot::owning(v);
-    append_interned(name_at(i, c), std::move(slot), c);
+void Tm_prenamed_struct::add_member_and_own(int index, Tm_value* v, Tm_catalog<std::string>* catalog) {
+    Slot slot = Slot::owning(v);  // owns (or has deleted) v from here on
+    put(index, std::move(slot), catalog);
 }

@@ -101,19 +101,40 @@ public:
     // (see tm_detail::interned_in).
     std::uint64_t interned_in() const { return m_interned; }
     // Index of the member called `name`, trying position `hint` first (record readers find
-    // their fields in order), or -1.
-    int find_member(const char* name, int hint) const;
+    // their fields in order), or -1. `name` keeps its text at its address for the life of
+    // the process (a literal, as the record descriptions' names are; see Name::is).
+    int find_member(const char* name, int hint) const {
+        if (hint >= 0 && hint < get_member_count() && m_members[static_cast<size_t>(hint)].name.is(name)) return hint;
+        return find_member_from_start(name);
+    }
     // The storage cell of the member called `name` (position `hint` tried first), refused as
     // the getters by name refuse: absent (Tm_exception) or of another kind than `kind`
     // (Tm_type_mismatch_exception).
-    const tm_detail::Slot& member_of_kind(const char* name, int hint, TMV kind) const;
+    const tm_detail::Slot& member_of_kind(const char* name, int hint, TMV kind) const {
+        const int i = find_member(name, hint);
+        if (i < 0) no_member(name);
+        const tm_detail::Slot& s = m_members[static_cast<size_t>(i)].slot;
+        if (s.kind() != kind) kind_mismatch(s.kind(), kind);
+        return s;
+    }
 
 protected:
     const tm_detail::Slot& typed(const std::string& name, TMV kind) const;
     // Appends a member whose name `catalog` (may be null) has just interned.
-    void append_interned(const tm_detail::Name& name, tm_detail::Slot slot, const Tm_catalog<std::string>* catalog);
+    void append_interned(const tm_detail::Name& name, tm_detail::Slot slot, const Tm_catalog<std::string>* catalog) {
+        const TMV k = slot.kind();
+        const std::uint64_t value =
+            k == TMV_STRUCT || k == TMV_ARRAY || k == TMV_MESSAGE ? names_interned_in(slot) : tm_detail::kNoNames;
+        m_members.push_back(Member{name, std::move(slot)});
+        m_interned = tm_detail::meet(m_interned, tm_detail::meet(catalog ? catalog->id() : tm_detail::kUnknown, value));
+    }
 
 private:
+    // tm_detail::interned_in, reachable from code inlined into other libraries.
+    static std::uint64_t names_interned_in(const tm_detail::Slot& slot);
+    int find_member_from_start(const char* name) const;
+    [[noreturn]] static void no_member(const char* name);
+    [[noreturn]] static void kind_mismatch(TMV found, TMV wanted);
     struct Member {
         tm_detail::Name name;
         tm_detail::Slot slot;
@@ -141,18 +162,42 @@ public:
 
     // Adds a member named names[index]. An index outside the table throws
     // Tm_out_of_range_exception(index, 0, count - 1) and adds nothing.
-    void add_member(int index, bool v, Tm_catalog<std::string>* catalog);
-    void add_member(int index, signed char v, Tm_catalog<std::string>* catalog);
-    void add_member(int index, unsigned char v, Tm_catalog<std::string>* catalog);
-    void add_member(int index, short v, Tm_catalog<std::string>* catalog);
-    void add_member(int index, unsigned short v, Tm_catalog<std::string>* catalog);
-    void add_member(int index, int v, Tm_catalog<std::string>* catalog);
-    void add_member(int index, unsigned int v, Tm_catalog<std::string>* catalog);
-    void add_member(int index, long v, Tm_catalog<std::string>* catalog);
-    void add_member(int index, unsigned long v, Tm_catalog<std::string>* catalog);
-    void add_member(int index, double v, Tm_catalog<std::string>* catalog);
-    void add_member(int index, const char* v, Tm_catalog<std::string>* catalog);
-    void add_member(int index, const std::string& v, Tm_catalog<std::string>* catalog);
+    void add_member(int index, bool v, Tm_catalog<std::string>* catalog) { put(index, tm_detail::Slot::of_bool(v), catalog); }
+    void add_member(int index, signed char v, Tm_catalog<std::string>* catalog) {
+        put(index, tm_detail::Slot::of_signed(TMV_INT8, v), catalog);
+    }
+    void add_member(int index, unsigned char v, Tm_catalog<std::string>* catalog) {
+        put(index, tm_detail::Slot::of_unsigned(TMV_UINT8, v), catalog);
+    }
+    void add_member(int index, short v, Tm_catalog<std::string>* catalog) {
+        put(index, tm_detail::Slot::of_signed(TMV_INT16, v), catalog);
+    }
+    void add_member(int index, unsigned short v, Tm_catalog<std::string>* catalog) {
+        put(index, tm_detail::Slot::of_unsigned(TMV_UINT16, v), catalog);
+    }
+    void add_member(int index, int v, Tm_catalog<std::string>* catalog) {
+        put(index, tm_detail::Slot::of_signed(TMV_INT32, v), catalog);
+    }
+    void add_member(int index, unsigned int v, Tm_catalog<std::string>* catalog) {
+        put(index, tm_detail::Slot::of_unsigned(TMV_UINT32, v), catalog);
+    }
+    void add_member(int index, long v, Tm_catalog<std::string>* catalog) {
+        put(index, tm_detail::Slot::of_signed(TMV_INT64, v), catalog);
+    }
+    void add_member(int index, unsigned long v, Tm_catalog<std::string>* catalog) {
+        put(index, tm_detail::Slot::of_unsigned(TMV_UINT64, v), catalog);
+    }
+    void add_member(int index, double v, Tm_catalog<std::string>* catalog) {
+        put(index, tm_detail::Slot::of_double(v), catalog);
+    }
+    void add_member(int index, const char* v, Tm_catalog<std::string>* catalog) {
+        check(index);
+        put(index, tm_detail::Slot::of_value(TMV_STRING, new Tm_string(v ? v : "")), catalog);
+    }
+    void add_member(int index, const std::string& v, Tm_catalog<std::string>* catalog) {
+        check(index);
+        put(index, tm_detail::Slot::of_value(TMV_STRING, new Tm_string(v)), catalog);
+    }
     // Takes ownership of `v`; it is deleted on every failure path.
     void add_member_and_own(int index, Tm_value* v, Tm_catalog<std::string>* catalog);
 
@@ -160,7 +205,17 @@ public:
     const tm_detail::Name& name_handle(int index) const;
 
 private:
-    const tm_detail::Name& name_at(int index, Tm_catalog<std::string>* catalog) const;
+    void check(int index) const {
+        if (static_cast<unsigned int>(index) >= static_cast<unsigned int>(m_namesCount)) bad_index(index);
+    }
+    [[noreturn]] void bad_index(int index) const;
+    // Appends `slot` named names[index], interned in `catalog` (may be null).
+    void put(int index, tm_detail::Slot slot, Tm_catalog<std::string>* catalog) {
+        check(index);
+        const tm_detail::Name& name = m_handles[index];
+        if (catalog) catalog->add(name);
+        append_interned(name, std::move(slot), catalog);
+    }
     const char* const* m_names = nullptr;
     int m_namesCount = 0;
     // The shared names of the installed table (owned by a process-wide registry of tables).

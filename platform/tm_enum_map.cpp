@@ -14,7 +14,8 @@ std::string tms_enum_to_string(int value, const tm_enum_map* map) {
 
 int tms_string_to_enum(const std::string& text, const tm_enum_map* map) {
     for (const tm_enum_map* row = map; row && row->name; ++row) {
-        if (text == row->name) return row->value;
+        // The first characters decide for nearly every row (text[0] is '\0' when empty).
+        if (row->name[0] == text[0] && text == row->name) return row->value;
     }
     // A decimal integer (as written for values without a row) maps back to itself.
     const char* s = text.c_str();
