@@ -22,14 +22,15 @@ Chunk_header* chunk_of(void* p) {
                                            ~(static_cast<std::uintptr_t>(Tm_node_pool::kChunkBytes) - 1));
 }
 
-void free_chunk(Chunk_header* c) {
+void give_back(Chunk_header* c) {
     c->~Chunk_header();
     ::operator delete(static_cast<void*>(c), std::align_val_t(Tm_node_pool::kChunkBytes));
 }
 
-void settle(Chunk_header* c, long delta) {
-    if (c->balance.fetch_add(delta, std::memory_order_acq_rel) + delta == 0) free_chunk(c);
-}
+// A free chunk kept for reuse; its first bytes link to the next one.
+struct Spare {
+    Spare* next;
+};
 
 // A thread's carving state (trivially destructible, so usable until the thread ends) and
 // the releases it has not yet settled: consecutive releases into one chunk are counted
@@ -43,6 +44,10 @@ struct Thread_state {
     long carved = 0;
     Chunk_header* releasing = nullptr;
     long released = 0;
+    // Chunks freed on this thread, kept for the next ones it takes (at most
+    // Tm_node_pool::kSpareChunks).
+    Spare* spares = nullptr;
+    int spareCount = 0;
     // Set once the thread's end has handed everything in: from then on (destructors of
     // other thread-local or static objects), chunks are handed in and releases settled at
     // once.
@@ -51,6 +56,30 @@ struct Thread_state {
 // Initial-exec: reached without a call into the dynamic linker on every node. The state is
 // small enough for the space the C library keeps for libraries loaded later.
 thread_local Thread_state t_state __attribute__((tls_model("initial-exec")));
+
+void free_chunk(Chunk_header* c) {
+    Thread_state& s = t_state;
+    if (s.ended || s.spareCount >= Tm_node_pool::kSpareChunks) {
+        give_back(c);
+        return;
+    }
+    c->~Chunk_header();
+    s.spares = new (static_cast<void*>(c)) Spare{s.spares};
+    ++s.spareCount;
+}
+
+void settle(Chunk_header* c, long delta) {
+    if (c->balance.fetch_add(delta, std::memory_order_acq_rel) + delta == 0) free_chunk(c);
+}
+
+void* new_chunk(Thread_state& s) {
+    if (Spare* spare = s.spares) {
+        s.spares = spare->next;
+        --s.spareCount;
+        return spare;
+    }
+    return ::operator new(Tm_node_pool::kChunkBytes, std::align_val_t(Tm_node_pool::kChunkBytes));
+}
 
 void hand_in(Thread_state& s) {
     if (s.releasing) {
@@ -76,6 +105,11 @@ struct Thread_exit {
     ~Thread_exit() {
         hand_in(t_state);
         t_state.ended = true;
+        while (Spare* spare = t_state.spares) {
+            t_state.spares = spare->next;
+            ::operator delete(static_cast<void*>(spare), std::align_val_t(Tm_node_pool::kChunkBytes));
+        }
+        t_state.spareCount = 0;
     }
     void arm() noexcept {}
 };
@@ -83,7 +117,7 @@ thread_local Thread_exit t_exit;
 
 void* carve_from_new_chunk(Thread_state& s, std::size_t size) {
     t_exit.arm();  // registers the hand-in at thread end
-    void* raw = ::operator new(Tm_node_pool::kChunkBytes, std::align_val_t(Tm_node_pool::kChunkBytes));
+    void* raw = new_chunk(s);
     auto* c = new (raw) Chunk_header;
     if (s.carving) settle(s.carving, s.carved);
     s.carving = c;

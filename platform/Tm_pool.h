@@ -4,9 +4,13 @@
 // A message is tens of thousands of small nodes that are made together and dropped
 // together. Taking each from the general heap and giving it back one by one costs more than
 // everything else a message does. Instead, each thread carves its nodes, in the order it
-// makes them, out of 32 KiB chunks of its own, and a chunk goes back to the heap when the
-// last node carved from it is released (by any thread). So a message's nodes sit side by
-// side in memory, taking one costs a pointer bump and releasing one a counter update.
+// makes them, out of 32 KiB chunks of its own, and a chunk is free again when the last node
+// carved from it is released (by any thread). So a message's nodes sit side by side in
+// memory, taking one costs a pointer bump and releasing one a counter update. The thread
+// that frees a chunk keeps up to kSpareChunks of them (2 MiB) for the chunks it takes next,
+// and gives the rest, and its spares when it ends, back to the heap: a large message is
+// hundreds of chunks, and each round through the heap (aligned allocation, and the pages
+// the heap hands back to the system and takes again) costs more than filling it.
 //
 // The price: a node that lives on keeps its whole chunk alive. Requests above
 // kLargest bytes, and the rest of what a node owns (texts, byte payloads), come from the
@@ -21,6 +25,7 @@ class Tm_node_pool {
 public:
     static constexpr std::size_t kChunkBytes = 32 * 1024;
     static constexpr std::size_t kLargest = 2048;
+    static constexpr int kSpareChunks = 64;
 
     // `size` bytes, aligned as the general heap aligns; above kLargest from the general heap.
     static void* allocate(std::size_t size);
