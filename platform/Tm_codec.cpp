@@ -486,6 +486,11 @@ class Decoder {
         return v;
     }
     std::uint64_t varint() {
+        // Most varints (name indices, counts, short lengths) are one byte.
+        if (m_pos < m_size && m_data[m_pos] < 0x80) return m_data[m_pos++];
+        return long_varint();
+    }
+    std::uint64_t long_varint() {
         const std::size_t at = m_pos;
         std::uint64_t v = 0;
         for (int i = 0; i < kMaxVarintBytes; ++i) {

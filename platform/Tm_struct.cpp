@@ -1,6 +1,5 @@
 #include "platform/Tm_struct.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -215,8 +214,12 @@ struct NameTable {
     std::vector<const char*> entries;  // the table's pointers, terminator excluded
     std::vector<Name> handles;
     bool matches(const char* const* names, int count) const {
-        return static_cast<int>(entries.size()) == count &&
-               std::equal(entries.begin(), entries.end(), names);
+        if (static_cast<int>(entries.size()) != count) return false;
+        // Compared in place: most tables are a few entries, shorter than a call to memcmp.
+        for (int i = 0; i < count; ++i) {
+            if (entries[static_cast<size_t>(i)] != names[i]) return false;
+        }
+        return true;
     }
 };
 
