@@ -466,6 +466,10 @@ class Decoder {
 
   private:
     std::size_t remaining() const { return m_size - m_pos; }
+    // Whether `n` units of `unit` bytes (at most 8) fit in the remaining bytes. Without a
+    // division: n is first held to the remaining bytes, which an input in memory keeps far
+    // below where the product could overflow.
+    bool fits(std::uint64_t n, std::size_t unit) const { return n <= remaining() && n * unit <= remaining(); }
 
     void need(std::size_t n) const {
         if (remaining() < n) {
@@ -507,7 +511,7 @@ class Decoder {
     std::size_t count(std::size_t unit, const char* what) {
         const std::size_t at = m_pos;
         const std::uint64_t n = varint();
-        if (n > remaining() / unit) {
+        if (!fits(n, unit)) {
             fail(at, std::string(what) + " " + std::to_string(n) + " exceeds what the remaining " +
                          std::to_string(remaining()) + " bytes can hold");
         }
@@ -664,7 +668,7 @@ class Decoder {
         const std::size_t tagAt = m_pos;
         const int tag = kind_tag(true);
         const std::size_t unit = tag == kMixed ? kMinMixedItem : kMinPayload[tag];
-        if (raw > remaining() / unit || raw > static_cast<std::uint64_t>(INT_MAX)) {
+        if (!fits(raw, unit) || raw > static_cast<std::uint64_t>(INT_MAX)) {
             fail(countAt, "array count " + std::to_string(raw) + " exceeds what the remaining " +
                               std::to_string(remaining()) + " bytes can hold");
         }
