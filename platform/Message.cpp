@@ -7,8 +7,31 @@
 #include "platform/Tm_exception.h"
 
 Message::Message() = default;
-Message::Message(const Message& other) = default;
-Message& Message::operator=(const Message& other) = default;
+// Copies own their values (cloned, names counted), so the decoded names and the arena stay
+// with the original.
+Message::Message(const Message& other)
+    : m_type(other.m_type),
+      m_requestName(other.m_requestName),
+      m_useSendMemberString(other.m_useSendMemberString),
+      m_groups{other.m_groups[0], other.m_groups[1]},
+      m_catalogs{other.m_catalogs[0], other.m_catalogs[1]} {}
+
+Message& Message::operator=(const Message& other) {
+    if (this != &other) {
+        Message copy(other);
+        m_type = copy.m_type;
+        m_requestName = std::move(copy.m_requestName);
+        m_useSendMemberString = copy.m_useSendMemberString;
+        for (int g = 0; g < 2; ++g) {
+            m_groups[g] = std::move(copy.m_groups[g]);
+            m_catalogs[g] = std::move(copy.m_catalogs[g]);
+        }
+        // Nothing refers to them any more.
+        m_arena.reset();
+        m_decodedNames.clear();
+    }
+    return *this;
+}
 Message::~Message() = default;
 
 int Message::index(TMG group) {
@@ -108,6 +131,11 @@ bool Message::create_send_member_string_meta() {
 void Message::clear(TMG group) {
     m_groups[index(group)].clear();
     m_catalogs[index(group)].clear();
+    // Only the receive group holds decoded values.
+    if (group == TMG_RECV) {
+        m_arena.reset();
+        m_decodedNames.clear();
+    }
 }
 
 void Message::add_member(TMG g, const std::string& n, bool v) { m_groups[index(g)].add_member(n, v); }

@@ -1,6 +1,7 @@
 // Messages: a kind, a request name and two member groups.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -87,17 +88,22 @@ public:
 
     // Direct access to a group for the codec.
     Tm_struct& group_for_decoding(TMG group) { return m_groups[index(group)]; }
-    // Keeps the decoded name table whose names the receive group borrows (the codec
-    // installs the group first, then its names).
-    void keep_decoded_names(std::vector<tm_detail::Name> names) { m_decodedNames = std::move(names); }
+    // Keeps what the receive group's values borrow: the decoded name table and the arena that
+    // owns the values (the codec installs the group first, then these).
+    void keep_decoded(std::vector<tm_detail::Name> names, std::unique_ptr<tm_detail::Node_arena> arena) {
+        m_decodedNames = std::move(names);
+        m_arena = std::move(arena);
+    }
 
 private:
     static int index(TMG group);
     TMT m_type = TMT_REQUEST;
     std::string m_requestName;
     bool m_useSendMemberString = true;
-    // Declared before the groups, so that it outlives them.
+    // Declared before the groups, so that they outlive them. A copy of a message owns its
+    // values and names, so these are not copied.
     std::vector<tm_detail::Name> m_decodedNames;
+    std::unique_ptr<tm_detail::Node_arena> m_arena;
     Tm_struct m_groups[2];
     Tm_catalog<std::string> m_catalogs[2];
 };

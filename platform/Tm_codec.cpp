@@ -451,8 +451,15 @@ class Decoder {
         Tm_catalog<std::string> catalog;
         read_table(catalog);
 
+        // The values go into an arena that the message keeps, so that dropping them costs no
+        // walk; declared before the group, so that it outlives it when decoding fails.
+        auto arena = std::make_unique<tm_detail::Node_arena>();
         Tm_struct group;
-        read_body(group, 0);
+        {
+            tm_detail::Node_arena::Scope scope(*arena);
+            m_arena = arena.get();
+            read_body(group, 0, true);
+        }
         if (m_pos != m_size)
             fail(m_pos, std::to_string(m_size - m_pos) + " trailing bytes after the message");
 
@@ -460,7 +467,7 @@ class Decoder {
         message.set_request_name(name);
         message.set_msg_type(type);
         message.group_for_decoding(TMG_RECV) = std::move(group);
-        message.keep_decoded_names(std::move(m_names));
+        message.keep_decoded(std::move(m_names), std::move(arena));
         *message.get_send_member_string(TMG_RECV) = std::move(catalog);
     }
 
@@ -572,9 +579,16 @@ class Decoder {
     }
 
     // A member list; `level` is the nesting level of its holder.
-    void read_body(Tm_struct& target, int level) {
+    // `ownList`: the list belongs to a message's group, which may later grow or be dropped on
+    // its own, so it is taken outside the arena.
+    void read_body(Tm_struct& target, int level, bool ownList = false) {
         const int n = item_count(kMinMember, "member count");
-        target.reserve_members(static_cast<std::size_t>(n));
+        if (ownList) {
+            tm_detail::Node_arena::Pause pause;
+            target.reserve_members(static_cast<std::size_t>(n));
+        } else {
+            target.reserve_members(static_cast<std::size_t>(n));
+        }
         for (int i = 0; i < n; ++i) {
             const std::size_t at = m_pos;
             const std::uint64_t index = varint();
@@ -615,35 +629,69 @@ class Decoder {
             }
             case TMV_BOOL:
                 return Slot::of_bool(read_bool());
-            case TMV_STRING:
-                return Slot::of_value(TMV_STRING, new Tm_string(bytes_as_string()));
-            case TMV_BINARY:
-                return Slot::of_value(TMV_BINARY, new Tm_binary(bytes_as_vector()));
-            case TMV_DATE:
-                return Slot::of_value(TMV_DATE, new Tm_date(static_cast<long>(fixed<8>())));
+            // Each value is read before its node is made: a node of the arena must not be
+            // given back on its own, as a throwing initializer would.
+            case TMV_STRING: {
+                std::string text = bytes_as_string();
+                auto* v = new Tm_string(std::move(text));
+                // A text longer than the string's own buffer has storage outside the arena.
+                const auto at = reinterpret_cast<std::uintptr_t>(v->get().data());
+                const auto node = reinterpret_cast<std::uintptr_t>(v);
+                return arena_value(TMV_STRING, v, at < node || at >= node + sizeof(Tm_string));
+            }
+            case TMV_BINARY: {
+                std::vector<unsigned char> bytes = bytes_as_vector();
+                auto* v = new Tm_binary(std::move(bytes));
+                return arena_value(TMV_BINARY, v, v->get().capacity() != 0);
+            }
+            case TMV_DATE: {
+                const long when = static_cast<long>(fixed<8>());
+                return arena_value(TMV_DATE, new Tm_date(when), false);
+            }
             case TMV_FILE: {
                 std::string name = bytes_as_string();
                 std::vector<unsigned char> content = bytes_as_vector();
-                return Slot::of_value(TMV_FILE, new Tm_file(std::move(name), std::move(content)));
+                return arena_value(TMV_FILE, new Tm_file(std::move(name), std::move(content)), true);
             }
             case TMV_STRUCT: {
-                auto s = std::make_unique<Tm_struct>();
-                read_body(*s, deeper(level, tagAt));
-                return Slot::of_value(TMV_STRUCT, s.release());
+                const int deeperLevel = deeper(level, tagAt);
+                auto* v = new Tm_struct;
+                Slot slot = arena_value(TMV_STRUCT, v, false);
+                read_body(*v, deeperLevel);
+                return slot;
             }
             case TMV_ARRAY: {
-                auto a = std::make_unique<Tm_array>();
-                read_array(*a, deeper(level, tagAt));
-                return Slot::of_value(TMV_ARRAY, a.release());
+                const int deeperLevel = deeper(level, tagAt);
+                auto* v = new Tm_array;
+                Slot slot = arena_value(TMV_ARRAY, v, false);
+                read_array(*v, deeperLevel);
+                return slot;
             }
             case TMV_MESSAGE: {
-                auto m = std::make_unique<Tm_message>();
-                read_message(m->get(), deeper(level, tagAt));
-                return Slot::of_value(TMV_MESSAGE, m.release());
+                const int deeperLevel = deeper(level, tagAt);
+                auto* v = new Tm_message;
+                // Registered before it is filled: its member lists are its own.
+                Slot slot = arena_value(TMV_MESSAGE, v, true);
+                read_message(v->get(), deeperLevel);
+                return slot;
             }
             default:
                 fail(tagAt, "unknown kind tag " + std::to_string(tag));
         }
+    }
+
+    // A cell for `v`, a node of the arena; `destroy`: `v` owns storage outside the arena, so
+    // its destructor runs when the arena goes.
+    Slot arena_value(TMV kind, Tm_value* v, bool destroy) {
+        if (destroy) {
+            try {
+                m_arena->keep_destructor(v);
+            } catch (...) {
+                v->~Tm_value();
+                throw;
+            }
+        }
+        return Slot::in_arena(kind, v);
     }
 
     bool read_bool() {
@@ -656,8 +704,8 @@ class Decoder {
     void read_message(Message& m, int level) {
         const Tm_message_type type = message_type();
         std::string name = bytes_as_string();
-        read_body(m.group_for_decoding(TMG_SEND), level);
-        read_body(m.group_for_decoding(TMG_RECV), level);
+        read_body(m.group_for_decoding(TMG_SEND), level, true);
+        read_body(m.group_for_decoding(TMG_RECV), level, true);
         m.set_msg_type(type);
         m.set_request_name(name);
     }
@@ -697,6 +745,7 @@ class Decoder {
     std::size_t m_size;
     std::size_t m_pos = 0;
     std::vector<Name> m_names;
+    tm_detail::Node_arena* m_arena = nullptr;
 };
 
 }  // namespace

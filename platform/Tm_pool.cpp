@@ -3,6 +3,8 @@
 #include <atomic>
 #include <cstdint>
 
+#include "platform/Tm_value.h"
+
 namespace {
 
 constexpr std::size_t kAlign = 16;
@@ -48,6 +50,8 @@ struct Thread_state {
     // Tm_node_pool::kSpareChunks).
     Spare* spares = nullptr;
     int spareCount = 0;
+    // The arena whose scope is open on this thread, if any.
+    tm_detail::Node_arena* arena = nullptr;
     // Set once the thread's end has handed everything in: from then on (destructors of
     // other thread-local or static objects), chunks are handed in and releases settled at
     // once.
@@ -57,9 +61,23 @@ struct Thread_state {
 // small enough for the space the C library keeps for libraries loaded later.
 thread_local Thread_state t_state __attribute__((tls_model("initial-exec")));
 
+// Under the address sanitizer, freed chunks go back to the heap at once, so that a use
+// after free is seen.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr int kSpareChunks = 0;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr int kSpareChunks = 0;
+#else
+constexpr int kSpareChunks = Tm_node_pool::kSpareChunks;
+#endif
+#else
+constexpr int kSpareChunks = Tm_node_pool::kSpareChunks;
+#endif
+
 void free_chunk(Chunk_header* c) {
     Thread_state& s = t_state;
-    if (s.ended || s.spareCount >= Tm_node_pool::kSpareChunks) {
+    if (s.ended || s.spareCount >= kSpareChunks) {
         give_back(c);
         return;
     }
@@ -130,17 +148,50 @@ void* carve_from_new_chunk(Thread_state& s, std::size_t size) {
 
 }  // namespace
 
+namespace tm_detail {
+
+inline void Node_arena::note(void* chunk) {
+    if (!m_runs.empty() && m_runs.back().chunk == chunk) {
+        ++m_runs.back().count;
+        return;
+    }
+    m_runs.push_back(Run{chunk, 1});
+}
+
+}  // namespace tm_detail
+
 void* Tm_node_pool::allocate(std::size_t size) {
-    if (size > kLargest) return ::operator new(size);
-    size = size == 0 ? kAlign : (size + kAlign - 1) & ~(kAlign - 1);
     Thread_state& s = t_state;
+    if (size > kLargest) {
+        void* block = ::operator new(size);
+        if (s.arena) {
+            try {
+                s.arena->keep_block(block);
+            } catch (...) {
+                ::operator delete(block);
+                throw;
+            }
+        }
+        return block;
+    }
+    size = size == 0 ? kAlign : (size + kAlign - 1) & ~(kAlign - 1);
+    void* p;
     if (static_cast<std::size_t>(s.end - s.next) >= size) {
-        void* p = s.next;
+        p = s.next;
         s.next += size;
         ++s.carved;
-        return p;
+    } else {
+        p = carve_from_new_chunk(s, size);
     }
-    return carve_from_new_chunk(s, size);
+    if (s.arena) {
+        try {
+            s.arena->note(chunk_of(p));
+        } catch (...) {
+            release(p, size);
+            throw;
+        }
+    }
+    return p;
 }
 
 void Tm_node_pool::release(void* p, std::size_t size) noexcept {
@@ -164,3 +215,18 @@ void Tm_node_pool::release(void* p, std::size_t size) noexcept {
     s.releasing = c;
     s.released = 1;
 }
+
+namespace tm_detail {
+
+Node_arena::~Node_arena() {
+    for (auto it = m_destroy.rbegin(); it != m_destroy.rend(); ++it) (*it)->~Tm_value();
+    for (const Run& r : m_runs) settle(static_cast<Chunk_header*>(r.chunk), -r.count);
+    for (void* block : m_blocks) ::operator delete(block);
+}
+
+Node_arena::Scope::Scope(Node_arena& arena) : m_previous(t_state.arena) { t_state.arena = &arena; }
+Node_arena::Scope::~Scope() { t_state.arena = m_previous; }
+Node_arena::Pause::Pause() : m_previous(t_state.arena) { t_state.arena = nullptr; }
+Node_arena::Pause::~Pause() { t_state.arena = m_previous; }
+
+}  // namespace tm_detail

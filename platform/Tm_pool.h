@@ -20,6 +20,7 @@
 #include <cstddef>
 #include <limits>
 #include <new>
+#include <vector>
 
 class Tm_node_pool {
 public:
@@ -33,7 +34,65 @@ public:
     static void release(void* p, std::size_t size) noexcept;
 };
 
+class Tm_value;
+
 namespace tm_detail {
+
+// The values of one decoded message, dropped together without a walk over them.
+//
+// While a Scope is open on a thread, what that thread takes from the pool (nodes, and the
+// lists inside them) is counted to the arena as well as carved as usual. Nothing taken so
+// must be released on its own: the arena releases it all when it goes, after running the
+// destructors of the values registered with keep_destructor() (those that own storage
+// outside the pool: long texts, byte payloads, nested messages). The decoder keeps that
+// rule: the values it makes are held by storage cells that never delete them, and the lists
+// that could be released on their own (the member lists of messages) are taken with the
+// scope paused.
+class Node_arena {
+public:
+    Node_arena() = default;
+    Node_arena(const Node_arena&) = delete;
+    Node_arena& operator=(const Node_arena&) = delete;
+    ~Node_arena();
+
+    // Runs `v`'s destructor (not its deallocation) when the arena goes.
+    void keep_destructor(Tm_value* v) { m_destroy.push_back(v); }
+
+    class Scope {
+    public:
+        explicit Scope(Node_arena& arena);
+        ~Scope();
+        Scope(const Scope&) = delete;
+        Scope& operator=(const Scope&) = delete;
+
+    private:
+        Node_arena* m_previous;
+    };
+    // Suspends the open scope of this thread, if any.
+    class Pause {
+    public:
+        Pause();
+        ~Pause();
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+
+    private:
+        Node_arena* m_previous;
+    };
+
+private:
+    friend class ::Tm_node_pool;
+    // Counts a node carved from `chunk`; consecutive nodes of one chunk make one run.
+    void note(void* chunk);
+    void keep_block(void* block) { m_blocks.push_back(block); }
+    struct Run {
+        void* chunk;
+        long count;
+    };
+    std::vector<Run> m_runs;
+    std::vector<void*> m_blocks;  // requests above kLargest
+    std::vector<Tm_value*> m_destroy;
+};
 
 // The standard allocator interface over the pool, for the lists inside nodes.
 template <class T>

@@ -33,16 +33,19 @@ Slot& Slot::operator=(Slot&& o) noexcept {
     if (this != &o) {
         reset();
         m_kind = o.m_kind;
+        m_inArena = o.m_inArena;
         m_u = o.m_u;
         o.m_kind = TMV_INT32;
+        o.m_inArena = false;
         o.m_u.i = 0;
     }
     return *this;
 }
 
 void Slot::reset() {
-    if (!tmv_is_scalar(m_kind)) delete m_u.p;
+    if (!tmv_is_scalar(m_kind) && !m_inArena) delete m_u.p;
     m_kind = TMV_INT32;
+    m_inArena = false;
     m_u.i = 0;
 }
 

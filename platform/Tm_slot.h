@@ -123,14 +123,25 @@ public:
         s.m_u.p = v;
         return s;
     }
+    // Holds `v` (non-null, of non-scalar kind `kind`), which a Node_arena owns: the slot
+    // never deletes it.
+    static Slot in_arena(TMV kind, Tm_value* v) {
+        Slot s = of_value(kind, v);
+        s.m_inArena = true;
+        return s;
+    }
 
-    Slot(Slot&& o) noexcept : m_kind(o.m_kind), m_u(o.m_u) { o.m_kind = TMV_INT32; o.m_u.i = 0; }
+    Slot(Slot&& o) noexcept : m_kind(o.m_kind), m_inArena(o.m_inArena), m_u(o.m_u) {
+        o.m_kind = TMV_INT32;
+        o.m_inArena = false;
+        o.m_u.i = 0;
+    }
     Slot& operator=(Slot&& o) noexcept;
     Slot(const Slot&) = delete;
     Slot& operator=(const Slot&) = delete;
     // Inline: arrays of scalars destroy one slot per element.
     ~Slot() {
-        if (!tmv_is_scalar(m_kind)) delete m_u.p;
+        if (!tmv_is_scalar(m_kind) && !m_inArena) delete m_u.p;
     }
 
     Slot clone() const;
@@ -148,6 +159,7 @@ public:
 private:
     void reset();
     TMV m_kind;
+    bool m_inArena = false;
     union {
         long i;
         unsigned long u;

@@ -209,6 +209,33 @@ TEST(CodecRoundTrip, EncodingIsDeterministicAndStartsWithMagicAndVersion) {
     EXPECT_EQ(a[2], tmsg::kWireVersion);
 }
 
+// Decoded values are dropped with their message at once; the receive group itself may still
+// grow, be copied, cleared and decoded into again, and copies outlive the original.
+TEST(CodecRoundTrip, DecodedGroupsGrowAndCopiesOutliveTheMessage) {
+    Message sent;
+    for (int i = 0; i < 100; ++i) sent.add_member(S, "m" + std::to_string(i), std::string(20 + i, 'a'));
+    sent.add_member_and_own(S, "inner", make_inner());
+    Message nested;
+    nested.add_member(R, "deep", std::string(40, 'd'));
+    sent.add_member_and_own(S, "msg", new Tm_message(nested));
+    Message copy;
+    {
+        Message received = round_trip(sent);
+        for (int i = 0; i < 100; ++i) received.add_member(R, "more", i);
+        copy = received;
+        received.clear(R);
+        received.add_member(R, "again", 1);
+        EXPECT_EQ(received.get_member_int32(R, "again"), 1);
+        tmsg::decode(tmsg::encode(sent), received);
+        EXPECT_EQ(received.get_member_string(R, "m7"), std::string(27, 'a'));
+    }
+    EXPECT_EQ(copy.get_member_count(R), 202);
+    EXPECT_EQ(copy.get_member_string(R, "m99"), std::string(119, 'a'));
+    EXPECT_EQ(copy.get_member_struct(R, "inner")->get_member_string("label"), "inner");
+    const Message* deep = copy.get_group(R).get_member_message("msg");
+    EXPECT_EQ(deep->get_member_string(R, "deep"), std::string(40, 'd'));
+}
+
 TEST(CodecRoundTrip, LongStringsAndLargeArraysUseMultiByteLengths) {
     Message sent;
     const std::string text(100000, 'x');
