@@ -127,7 +127,11 @@ bool build_message(Message* m, const ModuleRules& rules, const char* name, Tm_me
     m->clear(TMG_SEND);
     m->set_msg_type(type);
     if (rules.requestPrefix) m->set_request_name(std::string(rules.requestPrefix) + name);
-    write_members(m, ms, copy, indexes_of(ms), values...);
+    {
+        // The values of the send group are made together and dropped together.
+        Message::Build_scope scope(*m);
+        write_members(m, ms, copy, indexes_of(ms), values...);
+    }
     m->clear(TMG_RECV);
     return m->create_send_member_string_meta();
 }

@@ -1,10 +1,13 @@
 #include "platform/Message.h"
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <typeinfo>
 
 #include "platform/Tm_exception.h"
+
+using Pause = tm_detail::Node_arena::Pause;
 
 Message::Message() = default;
 // Copies own their values (cloned, names counted), so the decoded names and the arena stay
@@ -28,6 +31,7 @@ Message& Message::operator=(const Message& other) {
         }
         // Nothing refers to them any more.
         m_arena.reset();
+        m_sendArena.reset();
         m_decodedNames.clear();
     }
     return *this;
@@ -131,28 +135,54 @@ bool Message::create_send_member_string_meta() {
 void Message::clear(TMG group) {
     m_groups[index(group)].clear();
     m_catalogs[index(group)].clear();
-    // Only the receive group holds decoded values.
     if (group == TMG_RECV) {
         m_arena.reset();
         m_decodedNames.clear();
+    } else {
+        m_sendArena.reset();
     }
 }
 
-void Message::add_member(TMG g, const std::string& n, bool v) { m_groups[index(g)].add_member(n, v); }
-void Message::add_member(TMG g, const std::string& n, signed char v) { m_groups[index(g)].add_member(n, v); }
-void Message::add_member(TMG g, const std::string& n, unsigned char v) { m_groups[index(g)].add_member(n, v); }
-void Message::add_member(TMG g, const std::string& n, short v) { m_groups[index(g)].add_member(n, v); }
-void Message::add_member(TMG g, const std::string& n, unsigned short v) { m_groups[index(g)].add_member(n, v); }
-void Message::add_member(TMG g, const std::string& n, int v) { m_groups[index(g)].add_member(n, v); }
-void Message::add_member(TMG g, const std::string& n, unsigned int v) { m_groups[index(g)].add_member(n, v); }
-void Message::add_member(TMG g, const std::string& n, long v) { m_groups[index(g)].add_member(n, v); }
-void Message::add_member(TMG g, const std::string& n, unsigned long v) { m_groups[index(g)].add_member(n, v); }
-void Message::add_member(TMG g, const std::string& n, double v) { m_groups[index(g)].add_member(n, v); }
-void Message::add_member(TMG g, const std::string& n, const char* v) { m_groups[index(g)].add_member(n, v); }
-void Message::add_member(TMG g, const std::string& n, const std::string& v) { m_groups[index(g)].add_member(n, v); }
+tm_detail::Node_arena& Message::Build_scope::arena_of(Message& m) {
+    if (!m.m_sendArena) m.m_sendArena = std::make_unique<tm_detail::Node_arena>();
+    return *m.m_sendArena;
+}
+
+Message::Build_scope::Build_scope(Message& m)
+    : m_arena(arena_of(m)), m_scope(m_arena), m_uncaught(std::uncaught_exceptions()) {}
+
+Message::Build_scope::~Build_scope() {
+    if (std::uncaught_exceptions() > m_uncaught) m_arena.abandon();
+}
+
+// A group's own member list may grow or go on its own later, so it never comes from a build
+// scope's arena (the Pause); members that are texts are made outside it too.
+void Message::add_member(TMG g, const std::string& n, bool v) { Pause p; m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, signed char v) { Pause p; m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, unsigned char v) { Pause p; m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, short v) { Pause p; m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, unsigned short v) { Pause p; m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, int v) { Pause p; m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, unsigned int v) { Pause p; m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, long v) { Pause p; m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, unsigned long v) { Pause p; m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, double v) { Pause p; m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, const char* v) { Pause p; m_groups[index(g)].add_member(n, v); }
+void Message::add_member(TMG g, const std::string& n, const std::string& v) {
+    Pause p;
+    m_groups[index(g)].add_member(n, v);
+}
 void Message::add_member_and_own(TMG g, const std::string& n, Tm_value* v) {
     std::unique_ptr<Tm_value> owned(v);
     const int i = index(g);
+    if (g == TMG_SEND && m_sendArena && tm_detail::Node_arena::current() == m_sendArena.get()) {
+        // Made in this message's build scope: the arena owns it.
+        tm_detail::Slot slot = tm_detail::Slot::owning(owned.release());
+        slot.leave_to_arena();
+        Pause p;
+        m_groups[i].append(tm_detail::Name(n), std::move(slot));
+        return;
+    }
     m_groups[i].add_member_and_own(n, owned.release());
 }
 

@@ -47,6 +47,25 @@ public:
     // Removes every member of `group` and empties its catalog.
     void clear(TMG group);
 
+    // For builders that fill the send group in one go (the record converters): while a scope
+    // lives, the values this thread makes are placed in an arena that the message keeps and
+    // drops at once with its send group, without a walk over them. Values made in the scope
+    // must be added to this message's send group, and nothing else may be done with the
+    // message meanwhile.
+    class Build_scope {
+    public:
+        explicit Build_scope(Message& message);
+        ~Build_scope();
+        Build_scope(const Build_scope&) = delete;
+        Build_scope& operator=(const Build_scope&) = delete;
+
+    private:
+        static tm_detail::Node_arena& arena_of(Message& message);
+        tm_detail::Node_arena& m_arena;
+        tm_detail::Node_arena::Scope m_scope;
+        int m_uncaught;
+    };
+
     void add_member(TMG group, const std::string& name, bool v);
     void add_member(TMG group, const std::string& name, signed char v);
     void add_member(TMG group, const std::string& name, unsigned char v);
@@ -101,9 +120,11 @@ private:
     std::string m_requestName;
     bool m_useSendMemberString = true;
     // Declared before the groups, so that they outlive them. A copy of a message owns its
-    // values and names, so these are not copied.
+    // values and names, so these are not copied. m_arena holds the receive group's decoded
+    // values, m_sendArena the values built in a Build_scope.
     std::vector<tm_detail::Name> m_decodedNames;
     std::unique_ptr<tm_detail::Node_arena> m_arena;
+    std::unique_ptr<tm_detail::Node_arena> m_sendArena;
     Tm_struct m_groups[2];
     Tm_catalog<std::string> m_catalogs[2];
 };

@@ -219,10 +219,13 @@ void Tm_node_pool::release(void* p, std::size_t size) noexcept {
 namespace tm_detail {
 
 Node_arena::~Node_arena() {
+    if (m_abandoned) return;
     for (auto it = m_destroy.rbegin(); it != m_destroy.rend(); ++it) (*it)->~Tm_value();
     for (const Run& r : m_runs) settle(static_cast<Chunk_header*>(r.chunk), -r.count);
     for (void* block : m_blocks) ::operator delete(block);
 }
+
+Node_arena* Node_arena::current() { return t_state.arena; }
 
 Node_arena::Scope::Scope(Node_arena& arena) : m_previous(t_state.arena) { t_state.arena = &arena; }
 Node_arena::Scope::~Scope() { t_state.arena = m_previous; }

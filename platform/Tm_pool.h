@@ -57,6 +57,16 @@ public:
 
     // Runs `v`'s destructor (not its deallocation) when the arena goes.
     void keep_destructor(Tm_value* v) { m_destroy.push_back(v); }
+    // After a failure inside a scope, some of the arena's nodes may have been released on
+    // their own: then the arena gives nothing back (its chunks and the storage of its values
+    // stay taken) rather than release anything twice.
+    void abandon() { m_abandoned = true; }
+    // The arena of this thread's open scope, or null.
+    static Node_arena* current();
+    // In an open scope: registers `v`, just made, when it owns storage outside the pool
+    // (anything but the runtime's own structs and arrays, dates and texts short enough for
+    // their own buffer).
+    static void adopt(Tm_value* v);
 
     class Scope {
     public:
@@ -92,6 +102,7 @@ private:
     std::vector<Run> m_runs;
     std::vector<void*> m_blocks;  // requests above kLargest
     std::vector<Tm_value*> m_destroy;
+    bool m_abandoned = false;
 };
 
 // The standard allocator interface over the pool, for the lists inside nodes.

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "platform/Tm_exception.h"
+#include "platform/Tm_pool.h"
 
 namespace tm_detail {
 
@@ -24,6 +25,7 @@ Slot Slot::owning(Tm_value* v) {
             Slot s;
             s.m_kind = owned->get_value_type();
             s.m_u.p = owned.release();
+            Node_arena::adopt(s.m_u.p);
             return s;
         }
     }

@@ -130,6 +130,10 @@ public:
         s.m_inArena = true;
         return s;
     }
+    // From now on the value (if any) belongs to a Node_arena: the slot no longer deletes it.
+    void leave_to_arena() {
+        if (!tmv_is_scalar(m_kind)) m_inArena = true;
+    }
 
     Slot(Slot&& o) noexcept : m_kind(o.m_kind), m_inArena(o.m_inArena), m_u(o.m_u) {
         o.m_kind = TMV_INT32;

@@ -271,7 +271,42 @@ const Name& Tm_prenamed_struct::name_handle(int index) const {
     return m_handles[index];
 }
 
+void Tm_prenamed_struct::add_member(int index, const char* v, Tm_catalog<std::string>* catalog) {
+    check(index);
+    put(index, Slot::owning(new Tm_string(v ? v : "")), catalog);
+}
+
+void Tm_prenamed_struct::add_member(int index, const std::string& v, Tm_catalog<std::string>* catalog) {
+    check(index);
+    put(index, Slot::owning(new Tm_string(v)), catalog);
+}
+
 void Tm_prenamed_struct::add_member_and_own(int index, Tm_value* v, Tm_catalog<std::string>* catalog) {
     Slot slot = Slot::owning(v);  // owns (or has deleted) v from here on
     put(index, std::move(slot), catalog);
+}
+
+void tm_detail::Node_arena::adopt(Tm_value* v) {
+    Node_arena* arena = current();
+    if (!arena) return;
+    switch (v->get_value_type()) {
+        case TMV_STRUCT:
+            if (is_plain_struct(*v)) return;
+            break;
+        case TMV_ARRAY:
+            if (is_exactly<Tm_array>(*v)) return;
+            break;
+        case TMV_DATE:
+            return;
+        case TMV_STRING: {
+            // A text short enough for the string's own buffer lives in the node.
+            const auto text = reinterpret_cast<std::uintptr_t>(static_cast<const Tm_string*>(v)->get().data());
+            const auto node = reinterpret_cast<std::uintptr_t>(v);
+            if (text >= node && text < node + sizeof(Tm_string)) return;
+            break;
+        }
+        default:
+            break;
+    }
+    arena->keep_destructor(v);
 }

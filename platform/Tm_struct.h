@@ -190,14 +190,8 @@ public:
     void add_member(int index, double v, Tm_catalog<std::string>* catalog) {
         put(index, tm_detail::Slot::of_double(v), catalog);
     }
-    void add_member(int index, const char* v, Tm_catalog<std::string>* catalog) {
-        check(index);
-        put(index, tm_detail::Slot::of_value(TMV_STRING, new Tm_string(v ? v : "")), catalog);
-    }
-    void add_member(int index, const std::string& v, Tm_catalog<std::string>* catalog) {
-        check(index);
-        put(index, tm_detail::Slot::of_value(TMV_STRING, new Tm_string(v)), catalog);
-    }
+    void add_member(int index, const char* v, Tm_catalog<std::string>* catalog);
+    void add_member(int index, const std::string& v, Tm_catalog<std::string>* catalog);
     // Takes ownership of `v`; it is deleted on every failure path.
     void add_member_and_own(int index, Tm_value* v, Tm_catalog<std::string>* catalog);
 
