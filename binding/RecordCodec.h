@@ -109,16 +109,19 @@ inline Tm_array* make_byte_array(const unsigned char* data, int n, bool copy) {
 }
 
 template <class R>
+Tm_prenamed_struct* choice_to_prenamed(Tm_prenamed_struct* target, const R& rec, bool copy, Catalog* catalog);
+
+// A record's own value; a choice record's over the names table of its alternatives, so that
+// its member shares its name as every other record's members do.
+template <class R>
 Tm_value* make_record_value(const R& rec, bool copy, Catalog* catalog) {
+    auto s = std::make_unique<Tm_prenamed_struct>();
     if constexpr (decltype(description<R>())::is_choice) {
-        auto s = std::make_unique<Tm_struct>();
-        binding_to_struct(s.get(), &rec, copy, catalog);
-        return s.release();
+        choice_to_prenamed(s.get(), rec, copy, catalog);
     } else {
-        auto s = std::make_unique<Tm_prenamed_struct>();
         binding_to_struct(s.get(), &rec, copy, catalog);
-        return s.release();
     }
+    return s.release();
 }
 
 // A new value for a non-scalar field of natural form.
@@ -386,6 +389,25 @@ Tm_struct* choice_to_struct(Tm_struct* target, const R& rec, bool copy, Catalog*
              ...);
         },
         d.alternatives);
+    return target;
+}
+
+template <class R, class Alternatives, std::size_t... I>
+void write_choice(Tm_prenamed_struct* target, const R& rec, bool copy, Catalog* catalog, const Alternatives& alts,
+                  std::index_sequence<I...>) {
+    constexpr auto d = description<R>();
+    (void)((rec.*(d.selector) == std::get<I>(alts).value &&
+            write(PrenamedSink{target, static_cast<int>(I), catalog}, rec.*(std::get<I>(alts).field.member),
+                  std::get<I>(alts).field.form, copy, catalog)) ||
+           ...);
+}
+
+// The same into a prenamed struct over the alternatives' names table.
+template <class R>
+Tm_prenamed_struct* choice_to_prenamed(Tm_prenamed_struct* target, const R& rec, bool copy, Catalog* catalog) {
+    constexpr auto d = description<R>();
+    target->clear(names<R>());
+    write_choice(target, rec, copy, catalog, d.alternatives, std::make_index_sequence<Names<R>::count>{});
     return target;
 }
 

@@ -25,7 +25,10 @@
 // name not yet in it, in the order met) and the members of the send group. Values nested
 // deeper than kMaxDepth are refused with a Tm_exception, as the decoder would refuse them.
 // decode() fills the receive group (0) of a message with plain Tm_struct and Tm_array
-// values, its receive catalog (the name table), its kind and its request name.
+// values, its receive catalog (the name table), its kind and its request name. The values
+// live in an arena that the message keeps and drops at once, when it is destroyed, assigned,
+// decoded into again or its receive group cleared; copies of the message or of its values
+// are independent of it.
 //
 // Nesting level: the members of the top-level group are at level 0; each struct, array or
 // message value is one level deeper than its holder, and a message's two member lists are

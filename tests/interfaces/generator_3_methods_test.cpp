@@ -291,6 +291,33 @@ TEST(Generator3Methods, EmptyVectorArgumentIsSentAsEmptyArray) {
     }
 }
 
+// A request's values go with its message at once; a request built over another, and copies
+// of it, encode as a fresh one does after what they replaced is gone.
+TEST(Generator3Methods, RebuiltAndCopiedRequestsEncodeAsFreshOnes) {
+    streamBlock_s b;
+    b.name = std::string(40, 'n');  // longer than a string's own buffer
+    b.rangeModifiers.resize(2);
+    b.rangeModifiers[0].offsetReference = std::string(30, 'r');
+    b.rangeModifiers[0].initialValue.data = {1, 2, 3, 4};
+    b.modLinks.push_back(modLinkDesc_s{0, {1}});
+    const std::vector<streamBlock_s> blocks{b, b};
+    const std::vector<uint32_t> ids{1, 2};
+    Message fresh;
+    create_req_SetStreamBlock(&fresh, blocks, true, true);
+    const auto expected = tmsg::encode(fresh);
+    Message copy;
+    {
+        Message client;
+        create_req_DelStreamBlockArray(&client, ids, true);
+        create_req_SetStreamBlock(&client, blocks, true, true);
+        copy = client;
+        create_req_SetStreamBlock(&client, blocks, true, false);
+        EXPECT_EQ(tmsg::encode(client), expected);
+        client.add_member(TMG_SEND, "extra", std::string(50, 'x'));
+    }
+    EXPECT_EQ(tmsg::encode(copy), expected);
+}
+
 // With copy false the request views the caller's vector until it is sent.
 TEST(Generator3Methods, CopyFlagChoosesBetweenViewAndCopy) {
     for (bool copy : {false, true}) {
