@@ -376,38 +376,33 @@ void from_struct(const Tm_struct* source, R& rec) {
     read_fields(source, rec, d.fields, std::make_index_sequence<std::tuple_size_v<decltype(d.fields)>>{});
 }
 
-// A choice record: only the selected alternative, as a member named after it; a selector
-// outside the alternatives leaves the struct empty.
-template <class R>
-Tm_struct* choice_to_struct(Tm_struct* target, const R& rec, bool copy, Catalog* catalog) {
+// Writes the selected alternative of a choice record through the sink that `sink(index,
+// name)` makes for it; a selector outside the alternatives writes nothing.
+template <class R, class MakeSink, std::size_t... I>
+void write_selected(const R& rec, bool copy, Catalog* catalog, const MakeSink& sink, std::index_sequence<I...>) {
     constexpr auto d = description<R>();
-    target->clear();
-    std::apply(
-        [&](const auto&... a) {
-            ((rec.*(d.selector) == a.value &&
-              write(NamedSink{target, a.field.name, catalog}, rec.*(a.field.member), a.field.form, copy, catalog)) ||
-             ...);
-        },
-        d.alternatives);
-    return target;
+    (void)((rec.*(d.selector) == std::get<I>(d.alternatives).value &&
+            write(sink(static_cast<int>(I), std::get<I>(d.alternatives).field.name),
+                  rec.*(std::get<I>(d.alternatives).field.member), std::get<I>(d.alternatives).field.form, copy,
+                  catalog)) ||
+           ...);
 }
 
-template <class R, class Alternatives, std::size_t... I>
-void write_choice(Tm_prenamed_struct* target, const R& rec, bool copy, Catalog* catalog, const Alternatives& alts,
-                  std::index_sequence<I...>) {
-    constexpr auto d = description<R>();
-    (void)((rec.*(d.selector) == std::get<I>(alts).value &&
-            write(PrenamedSink{target, static_cast<int>(I), catalog}, rec.*(std::get<I>(alts).field.member),
-                  std::get<I>(alts).field.form, copy, catalog)) ||
-           ...);
+// A choice record: only the selected alternative, as a member named after it.
+template <class R>
+Tm_struct* choice_to_struct(Tm_struct* target, const R& rec, bool copy, Catalog* catalog) {
+    target->clear();
+    write_selected(rec, copy, catalog, [&](int, const char* name) { return NamedSink{target, name, catalog}; },
+                   std::make_index_sequence<Names<R>::count>{});
+    return target;
 }
 
 // The same into a prenamed struct over the alternatives' names table.
 template <class R>
 Tm_prenamed_struct* choice_to_prenamed(Tm_prenamed_struct* target, const R& rec, bool copy, Catalog* catalog) {
-    constexpr auto d = description<R>();
     target->clear(names<R>());
-    write_choice(target, rec, copy, catalog, d.alternatives, std::make_index_sequence<Names<R>::count>{});
+    write_selected(rec, copy, catalog, [&](int index, const char*) { return PrenamedSink{target, index, catalog}; },
+                   std::make_index_sequence<Names<R>::count>{});
     return target;
 }
 
