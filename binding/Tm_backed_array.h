@@ -174,10 +174,12 @@ class Tm_backed_array : public Tm_array {
     Tm_backed_array(Iter begin, int count, TMV tag)
         : Tm_array(), m_begin(begin), m_count(tm_backed_detail::checked_count(count)), m_tag(tag) {
         announce_layout();
+        set_owns_nothing();
     }
     Tm_backed_array(const Tm_backed_array& other)
         : Tm_array(), m_begin(other.m_begin), m_count(other.m_count), m_tag(other.m_tag) {
         announce_layout();
+        set_owns_nothing();
     }
     Tm_backed_array& operator=(const Tm_backed_array&) = delete;
 

@@ -5,6 +5,7 @@
 #include <typeinfo>
 
 #include "platform/Message.h"
+#include "platform/Tm_copy.h"
 #include "platform/Tm_exception.h"
 
 using tm_detail::Slot;
@@ -54,12 +55,21 @@ Tm_array& Tm_array::operator=(const Tm_array& other) {
     if (this != &other) {
         Tm_array copy(other);
         m_items.swap(copy.m_items);
-        m_packedBytes.swap(copy.m_packedBytes);
-        std::swap(m_packedData, copy.m_packedData);
-        std::swap(m_packedCount, copy.m_packedCount);
-        std::swap(m_packedKind, copy.m_packedKind);
-        std::swap(m_ownsPacked, copy.m_ownsPacked);
-        std::swap(m_interned, copy.m_interned);
+        drop_packed();
+        if (copy.m_ownsPacked) {
+            if (copy.m_packedData == copy.m_inline) {
+                std::memcpy(m_inline, copy.m_inline, kInlinePacked);
+                m_packedData = m_inline;
+            } else {
+                m_packedData = copy.m_packedData;
+            }
+            m_packedCount = copy.m_packedCount;
+            m_packedKind = copy.m_packedKind;
+            m_ownsPacked = true;
+            copy.m_packedData = nullptr;
+            copy.m_ownsPacked = false;
+        }
+        m_interned = copy.m_interned;
         m_catalog = other.m_catalog;
     }
     return *this;
@@ -67,7 +77,7 @@ Tm_array& Tm_array::operator=(const Tm_array& other) {
 
 Tm_value* Tm_array::clone() const { return new Tm_array(*this); }
 
-Tm_array::~Tm_array() = default;
+Tm_array::~Tm_array() { drop_packed(); }
 
 bool Tm_array::equals(const Tm_value& other) const {
     if (other.get_value_type() != TMV_ARRAY) return false;
@@ -112,26 +122,38 @@ std::size_t Tm_array::wire_size(TMV kind) {
 }
 
 void Tm_array::assign_packed(TMV kind, const unsigned char* data, std::size_t count) {
+    if (count > UINT32_MAX) throw Tm_exception("array too long for packed storage");
     m_items.clear();
+    drop_packed();
     m_interned = tm_detail::kNoNames;
-    // Sized, then copied in one go: a vector over the pool's allocator would copy element
-    // by element.
     const std::size_t bytes = count * wire_size(kind);
-    m_packedBytes.clear();
-    m_packedBytes.resize(bytes);
-    if (bytes) std::memcpy(m_packedBytes.data(), data, bytes);
-    m_packedData = count ? m_packedBytes.data() : nullptr;
-    m_packedCount = count;
-    m_packedKind = kind;
+    unsigned char* to = bytes <= kInlinePacked ? m_inline : static_cast<unsigned char*>(Tm_node_pool::allocate(bytes));
+    tm_detail::copy_bytes(to, data, bytes);
+    m_packedData = count ? to : nullptr;
+    m_packedCount = static_cast<std::uint32_t>(count);
+    m_packedKind = static_cast<unsigned char>(kind);
     m_ownsPacked = true;
 }
 
+void Tm_array::drop_packed() {
+    if (m_ownsPacked && m_packedData && m_packedData != m_inline) {
+        Tm_node_pool::release(const_cast<unsigned char*>(m_packedData),
+                              m_packedCount * wire_size(static_cast<TMV>(m_packedKind)));
+    }
+    if (m_ownsPacked) {
+        m_packedData = nullptr;
+        m_packedCount = 0;
+        m_ownsPacked = false;
+    }
+}
+
 Slot Tm_array::element_slot(std::size_t index) const {
-    const std::size_t size = wire_size(m_packedKind);
+    const TMV kind = static_cast<TMV>(m_packedKind);
+    const std::size_t size = wire_size(kind);
     const unsigned char* p = m_packedData + index * size;
     std::uint64_t v = 0;
     for (std::size_t k = 0; k < size; ++k) v |= static_cast<std::uint64_t>(p[k]) << (8 * k);
-    switch (m_packedKind) {
+    switch (kind) {
         case TMV_INT8: return Slot::of_signed(TMV_INT8, static_cast<signed char>(v));
         case TMV_INT16: return Slot::of_signed(TMV_INT16, static_cast<short>(static_cast<std::uint16_t>(v)));
         case TMV_INT32: return Slot::of_signed(TMV_INT32, static_cast<int>(static_cast<std::uint32_t>(v)));
@@ -142,13 +164,13 @@ Slot Tm_array::element_slot(std::size_t index) const {
             return Slot::of_double(d);
         }
         case TMV_BOOL: return Slot::of_bool(v != 0);
-        default: return Slot::of_unsigned(m_packedKind, v);
+        default: return Slot::of_unsigned(kind, v);
     }
 }
 
 Slot Tm_array::packed_slot(int index, TMV kind) const {
     check_index(index, static_cast<int>(m_packedCount));
-    if (kind != m_packedKind) throw Tm_type_mismatch_exception(m_packedKind, kind);
+    if (kind != m_packedKind) throw Tm_type_mismatch_exception(static_cast<TMV>(m_packedKind), kind);
     return element_slot(static_cast<size_t>(index));
 }
 
@@ -158,11 +180,7 @@ void Tm_array::unpack() {
     items.reserve(m_packedCount);
     for (std::size_t i = 0; i < m_packedCount; ++i) items.push_back(element_slot(i));
     m_items.swap(items);
-    m_packedBytes.clear();
-    m_packedBytes.shrink_to_fit();
-    m_packedData = nullptr;
-    m_packedCount = 0;
-    m_ownsPacked = false;
+    drop_packed();
 }
 
 void Tm_array::clear() {
@@ -225,7 +243,7 @@ void Tm_array::check_index(int index, int count) {
 
 TMV Tm_array::get_member_value_type(int index) const {
     check_index(index, get_member_count());
-    return m_ownsPacked ? m_packedKind : m_items[static_cast<size_t>(index)].kind();
+    return m_ownsPacked ? static_cast<TMV>(m_packedKind) : m_items[static_cast<size_t>(index)].kind();
 }
 
 Slot Tm_array::scalar(int index, TMV kind) const {
@@ -235,7 +253,7 @@ Slot Tm_array::scalar(int index, TMV kind) const {
 
 const Slot& Tm_array::typed(int index, TMV kind) const {
     check_index(index, get_member_count());
-    if (m_ownsPacked) throw Tm_type_mismatch_exception(m_packedKind, kind);
+    if (m_ownsPacked) throw Tm_type_mismatch_exception(static_cast<TMV>(m_packedKind), kind);
     const Slot& s = m_items[static_cast<size_t>(index)];
     if (s.kind() != kind) throw Tm_type_mismatch_exception(s.kind(), kind);
     return s;

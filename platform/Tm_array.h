@@ -88,7 +88,7 @@ public:
     };
     bool packed(Packed& out) const {
         if (!m_packedData) return false;
-        out = Packed{m_packedData, m_packedCount, m_packedKind};
+        out = Packed{m_packedData, m_packedCount, static_cast<TMV>(m_packedKind)};
         return true;
     }
     // Whether this is a plain array (not a derived one), whose items item_slot() reads.
@@ -111,13 +111,25 @@ public:
     // Wire size of one element of scalar kind `kind`.
     static std::size_t wire_size(TMV kind);
 
-protected:
-    // Derived arrays whose elements sit contiguously in wire layout announce them here.
-    void set_packed_view(const void* data, std::size_t count, TMV kind) {
-        m_packedData = static_cast<const unsigned char*>(data);
-        m_packedCount = count;
-        m_packedKind = kind;
+    // Whether this array owns nothing that its destructor must free: a plain array without
+    // items or out-of-line packed storage, or a derived array that said so (an arena holding
+    // it then need not run its destructor).
+    bool owns_nothing() const {
+        return m_items.capacity() == 0 && (m_ownsNothing || (m_ownsPacked && m_packedData == m_inline));
     }
+
+protected:
+    // Derived arrays whose elements sit contiguously in wire layout announce them here (a
+    // count beyond 32 bits is not announced; such an array is walked item by item).
+    void set_packed_view(const void* data, std::size_t count, TMV kind) {
+        if (count > UINT32_MAX) return;
+        m_packedData = static_cast<const unsigned char*>(data);
+        m_packedCount = static_cast<std::uint32_t>(count);
+        m_packedKind = static_cast<unsigned char>(kind);
+    }
+    // Derived arrays that hold nothing of their own (views of storage that outlives them,
+    // refusing every mutation) say so once constructed.
+    void set_owns_nothing() { m_ownsNothing = true; }
     // Throws Tm_out_of_range_exception(index, 0, count - 1) unless 0 <= index < count.
     static void check_index(int index, int count);
 
@@ -131,13 +143,22 @@ private:
     tm_detail::Slot element_slot(std::size_t index) const;
     // Appends a value (a struct, array or other non-scalar) and notes where its names are.
     void append_value(tm_detail::Slot slot);
+    // Gives back the packed storage a plain array owns, if any.
+    void drop_packed();
+
+    // Laid out so that the whole array is 80 bytes: the count fills the padding after the
+    // value's kind, and short packed payloads (most are a few bytes) sit in the node.
+    static constexpr std::size_t kInlinePacked = 13;
+    // Elements of the packed storage (a plain array's own, or a derived array's view).
+    std::uint32_t m_packedCount = 0;
     Tm_catalog<std::string>* m_catalog;
     std::vector<tm_detail::Slot, tm_detail::Pool_allocator<tm_detail::Slot>> m_items;
-    // Packed storage of a plain array (m_packedBytes) or a derived array's view.
-    std::vector<unsigned char, tm_detail::Pool_allocator<unsigned char>> m_packedBytes;
+    // The packed elements: m_inline, a block of the node pool that the array owns, or a
+    // derived array's view.
     const unsigned char* m_packedData = nullptr;
-    std::size_t m_packedCount = 0;
-    TMV m_packedKind = TMV_UINT8;
-    bool m_ownsPacked = false;
     std::uint64_t m_interned = tm_detail::kNoNames;
+    unsigned char m_inline[kInlinePacked];
+    unsigned char m_packedKind = TMV_UINT8;
+    bool m_ownsPacked = false;
+    bool m_ownsNothing = false;
 };

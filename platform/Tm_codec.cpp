@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "platform/Tm_copy.h"
 #include "platform/Tm_exception.h"
 
 namespace tmsg {
@@ -89,39 +90,13 @@ class Writer {
     void raw(const void* data, std::size_t size) {
         if (size == 0) return;
         ensure(size);
-        if (size <= 16) {
-            copy_small(m_base + m_len, static_cast<const unsigned char*>(data), size);
-        } else {
-            std::memcpy(m_base + m_len, data, size);
-        }
+        tm_detail::copy_bytes(m_base + m_len, static_cast<const unsigned char*>(data), size);
         m_len += size;
     }
     std::size_t length() const { return m_len; }
     void finish() { m_out.resize(m_len); }
 
   private:
-    // Copies 1 to 16 bytes inline (names, short texts and small arrays are most of what a
-    // message holds; a call into the C library per copy costs more than the copy): two
-    // overlapping loads and stores of the widest size that fits.
-    static void copy_small(unsigned char* d, const unsigned char* s, std::size_t n) {
-        if (n >= 8) {
-            std::uint64_t a, b;
-            std::memcpy(&a, s, 8);
-            std::memcpy(&b, s + n - 8, 8);
-            std::memcpy(d, &a, 8);
-            std::memcpy(d + n - 8, &b, 8);
-        } else if (n >= 4) {
-            std::uint32_t a, b;
-            std::memcpy(&a, s, 4);
-            std::memcpy(&b, s + n - 4, 4);
-            std::memcpy(d, &a, 4);
-            std::memcpy(d + n - 4, &b, 4);
-        } else {
-            d[0] = s[0];
-            d[n / 2] = s[n / 2];
-            d[n - 1] = s[n - 1];
-        }
-    }
     void grow(std::size_t n) {
         const std::size_t want = std::max({m_len + n, m_cap * 2, std::size_t(256)});
         m_out.resize(want);

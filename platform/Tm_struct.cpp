@@ -257,7 +257,6 @@ const NameTable& shared_table(const char* const* names, int count) {
 
 void Tm_prenamed_struct::clear(const char* const* names) {
     Tm_struct::clear();
-    m_names = names;
     m_namesCount = 0;
     while (names && names[m_namesCount]) ++m_namesCount;
     m_handles = m_namesCount ? shared_table(names, m_namesCount).handles.data() : nullptr;
@@ -294,7 +293,7 @@ void tm_detail::Node_arena::adopt(Tm_value* v) {
             if (is_plain_struct(*v)) return;
             break;
         case TMV_ARRAY:
-            if (is_exactly<Tm_array>(*v)) return;
+            if (static_cast<const Tm_array*>(v)->owns_nothing() || is_exactly<Tm_array>(*v)) return;
             break;
         case TMV_DATE:
             return;

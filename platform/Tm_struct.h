@@ -210,7 +210,6 @@ private:
         if (catalog) catalog->add(name);
         append_interned(name, std::move(slot), catalog);
     }
-    const char* const* m_names = nullptr;
     int m_namesCount = 0;
     // The shared names of the installed table (owned by a process-wide registry of tables).
     const tm_detail::Name* m_handles = nullptr;
