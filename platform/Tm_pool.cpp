@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <mutex>
 
 #include "platform/Tm_value.h"
 
@@ -46,8 +47,7 @@ struct Thread_state {
     long carved = 0;
     Chunk_header* releasing = nullptr;
     long released = 0;
-    // Chunks freed on this thread, kept for the next ones it takes (at most
-    // Tm_node_pool::kSpareChunks).
+    // Chunks freed on this thread, kept for the next ones it takes (at most kLocalSpares).
     Spare* spares = nullptr;
     int spareCount = 0;
     // The arena whose scope is open on this thread, if any.
@@ -64,21 +64,51 @@ thread_local Thread_state t_state __attribute__((tls_model("initial-exec")));
 // Under the address sanitizer, freed chunks go back to the heap at once, so that a use
 // after free is seen.
 #if defined(__SANITIZE_ADDRESS__)
-constexpr int kSpareChunks = 0;
+constexpr bool kKeepSpares = false;
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer)
-constexpr int kSpareChunks = 0;
+constexpr bool kKeepSpares = false;
 #else
-constexpr int kSpareChunks = Tm_node_pool::kSpareChunks;
+constexpr bool kKeepSpares = true;
 #endif
 #else
-constexpr int kSpareChunks = Tm_node_pool::kSpareChunks;
+constexpr bool kKeepSpares = true;
 #endif
+// Spares a thread keeps for itself, without a lock; the rest go to the process's list.
+constexpr int kLocalSpares = kKeepSpares ? 16 : 0;
+constexpr int kSharedSpares = kKeepSpares ? Tm_node_pool::kSpareChunks - kLocalSpares : 0;
+
+// The process's spare chunks, shared by all threads. Reachable from a static until the end
+// and never destroyed, so that threads ending during the program's exit may still use it.
+struct Shared_spares {
+    std::mutex mutex;
+    Spare* head = nullptr;
+    int count = 0;
+};
+Shared_spares& shared_spares() {
+    static Shared_spares& spares = *new Shared_spares;
+    return spares;
+}
+
+// Keeps `c` in the process's list when there is room, else gives it back to the heap.
+void keep_shared(Chunk_header* c) {
+    if (kSharedSpares > 0) {
+        Shared_spares& shared = shared_spares();
+        std::lock_guard<std::mutex> lock(shared.mutex);
+        if (shared.count < kSharedSpares) {
+            c->~Chunk_header();
+            shared.head = new (static_cast<void*>(c)) Spare{shared.head};
+            ++shared.count;
+            return;
+        }
+    }
+    give_back(c);
+}
 
 void free_chunk(Chunk_header* c) {
     Thread_state& s = t_state;
-    if (s.ended || s.spareCount >= kSpareChunks) {
-        give_back(c);
+    if (s.ended || s.spareCount >= kLocalSpares) {
+        keep_shared(c);
         return;
     }
     c->~Chunk_header();
@@ -95,6 +125,15 @@ void* new_chunk(Thread_state& s) {
         s.spares = spare->next;
         --s.spareCount;
         return spare;
+    }
+    if (kSharedSpares > 0) {
+        Shared_spares& shared = shared_spares();
+        std::lock_guard<std::mutex> lock(shared.mutex);
+        if (Spare* spare = shared.head) {
+            shared.head = spare->next;
+            --shared.count;
+            return spare;
+        }
     }
     return ::operator new(Tm_node_pool::kChunkBytes, std::align_val_t(Tm_node_pool::kChunkBytes));
 }
@@ -123,9 +162,10 @@ struct Thread_exit {
     ~Thread_exit() {
         hand_in(t_state);
         t_state.ended = true;
+        // The thread's own spares go to the process's list, or back to the heap.
         while (Spare* spare = t_state.spares) {
             t_state.spares = spare->next;
-            ::operator delete(static_cast<void*>(spare), std::align_val_t(Tm_node_pool::kChunkBytes));
+            keep_shared(new (static_cast<void*>(spare)) Chunk_header);
         }
         t_state.spareCount = 0;
     }

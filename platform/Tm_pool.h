@@ -6,11 +6,14 @@
 // everything else a message does. Instead, each thread carves its nodes, in the order it
 // makes them, out of 32 KiB chunks of its own, and a chunk is free again when the last node
 // carved from it is released (by any thread). So a message's nodes sit side by side in
-// memory, taking one costs a pointer bump and releasing one a counter update. The thread
-// that frees a chunk keeps up to kSpareChunks of them (2 MiB) for the chunks it takes next,
-// and gives the rest, and its spares when it ends, back to the heap: a large message is
-// hundreds of chunks, and each round through the heap (aligned allocation, and the pages
-// the heap hands back to the system and takes again) costs more than filling it.
+// memory, taking one costs a pointer bump and releasing one a counter update.
+//
+// Free chunks are kept for the chunks taken next, up to kSpareChunks (32 MiB) in the whole
+// process: the thread that frees one keeps it for itself while it holds fewer than 16, else
+// it goes to a list that all threads share; beyond the limit, and under the address
+// sanitizer, chunks go back to the heap. A large message is hundreds of chunks, and each
+// round through the heap costs more than filling the chunk: the heap hands freed pages back
+// to the system, and taking them again costs a page fault each.
 //
 // The price: a node that lives on keeps its whole chunk alive. Requests above
 // kLargest bytes, and the rest of what a node owns (texts, byte payloads), come from the
@@ -26,7 +29,7 @@ class Tm_node_pool {
 public:
     static constexpr std::size_t kChunkBytes = 32 * 1024;
     static constexpr std::size_t kLargest = 2048;
-    static constexpr int kSpareChunks = 64;
+    static constexpr int kSpareChunks = 1024;
 
     // `size` bytes, aligned as the general heap aligns; above kLargest from the general heap.
     static void* allocate(std::size_t size);
