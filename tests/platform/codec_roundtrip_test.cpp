@@ -236,6 +236,44 @@ TEST(CodecRoundTrip, DecodedGroupsGrowAndCopiesOutliveTheMessage) {
     EXPECT_EQ(deep->get_member_string(R, "deep"), std::string(40, 'd'));
 }
 
+// Decoded uniform arrays of any length (short ones are held in the array itself, longer
+// ones beside it) survive copying, assignment in every direction, growth and their message.
+TEST(CodecRoundTrip, DecodedUniformArraysCopyAssignAndGrow) {
+    const std::vector<int> lengths = {0, 1, 13, 14, 200, 3000};
+    Message sent;
+    for (int n : lengths) {
+        auto* a = new Tm_array;
+        for (int i = 0; i < n; ++i) a->add_member(static_cast<unsigned char>(i * 7));
+        sent.add_member_and_own(S, "a" + std::to_string(n), a);
+    }
+    auto expect_bytes = [](const Tm_array& a, int n) {
+        ASSERT_EQ(a.get_member_count(), n);
+        for (int i = 0; i < n; ++i) ASSERT_EQ(a.get_member_uint8(i), static_cast<unsigned char>(i * 7));
+    };
+    std::vector<Tm_array> copies;
+    {
+        const Message received = round_trip(sent);
+        for (int n : lengths) copies.push_back(*received.get_member_array(R, "a" + std::to_string(n)));
+    }
+    for (std::size_t i = 0; i < lengths.size(); ++i) {
+        for (std::size_t j = 0; j < lengths.size(); ++j) {
+            SCOPED_TRACE(std::to_string(lengths[i]) + " over " + std::to_string(lengths[j]));
+            Tm_array target = copies[j];
+            target = copies[i];
+            expect_bytes(target, lengths[i]);
+            EXPECT_TRUE(target.equals(copies[i]));
+            target.add_member(static_cast<unsigned char>(99));
+            EXPECT_EQ(target.get_member_uint8(lengths[i]), 99);
+            target = copies[i];
+            expect_bytes(target, lengths[i]);
+        }
+    }
+    Message again;
+    for (std::size_t i = 0; i < lengths.size(); ++i)
+        again.add_member_and_own(S, "a" + std::to_string(lengths[i]), copies[i].clone());
+    EXPECT_EQ(tmsg::encode(again), tmsg::encode(sent));
+}
+
 TEST(CodecRoundTrip, LongStringsAndLargeArraysUseMultiByteLengths) {
     Message sent;
     const std::string text(100000, 'x');
