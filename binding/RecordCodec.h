@@ -76,7 +76,9 @@ struct PrenamedSink {
     template <class V>
     void put(V v) const { target->add_member(index, v, catalog); }
     void put(const std::string& v) const { target->add_member(index, v, catalog); }
-    void own(Tm_value* v) const { target->add_member_and_own(index, v, catalog); }
+    // Nested records and arrays are handed over as what they are.
+    template <class V>
+    void own(V* v) const { target->add_member_and_own(index, v, catalog); }
 };
 
 // A member of a plain struct, by name (choice records).
@@ -114,7 +116,7 @@ Tm_prenamed_struct* choice_to_prenamed(Tm_prenamed_struct* target, const R& rec,
 // A record's own value; a choice record's over the names table of its alternatives, so that
 // its member shares its name as every other record's members do.
 template <class R>
-Tm_value* make_record_value(const R& rec, bool copy, Catalog* catalog) {
+Tm_prenamed_struct* make_record_value(const R& rec, bool copy, Catalog* catalog) {
     auto s = std::make_unique<Tm_prenamed_struct>();
     if constexpr (decltype(description<R>())::is_choice) {
         choice_to_prenamed(s.get(), rec, copy, catalog);
@@ -124,9 +126,9 @@ Tm_value* make_record_value(const R& rec, bool copy, Catalog* catalog) {
     return s.release();
 }
 
-// A new value for a non-scalar field of natural form.
+// A new value for a non-scalar field of natural form: a record's struct or an array.
 template <class T>
-Tm_value* make_value(const T& v, bool copy, Catalog* catalog) {
+auto make_value(const T& v, bool copy, Catalog* catalog) {
     if constexpr (is_record<T>) {
         return make_record_value(v, copy, catalog);
     } else if constexpr (IsByteArray<T>::value) {

@@ -162,3 +162,14 @@ private:
     bool m_ownsPacked = false;
     bool m_ownsNothing = false;
 };
+
+inline void Tm_prenamed_struct::add_member_and_own(int index, Tm_array* v, Tm_catalog<std::string>* catalog) {
+    if (!v || !valid(index)) return add_member_and_own(index, static_cast<Tm_value*>(v), catalog);
+    tm_detail::Slot slot = tm_detail::Slot::of_value(TMV_ARRAY, v);  // owns v from here on
+    const bool plain = tm_detail::is_exactly<Tm_array>(*v);
+    // Only a derived array that owns storage has a destructor for an arena to run.
+    if (!plain && !v->owns_nothing()) adopt(v);
+    Tm_array::Packed p;
+    const std::uint64_t names = v->packed(p) ? tm_detail::kNoNames : plain ? v->interned_in() : tm_detail::kUnknown;
+    put(index, std::move(slot), catalog, names);
+}

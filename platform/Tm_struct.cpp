@@ -263,6 +263,8 @@ void Tm_prenamed_struct::clear(const char* const* names) {
     reserve_members(static_cast<std::size_t>(m_namesCount));
 }
 
+void Tm_prenamed_struct::adopt(Tm_value* v) { tm_detail::Node_arena::adopt(v); }
+
 void Tm_prenamed_struct::bad_index(int index) const { throw Tm_out_of_range_exception(index, 0, m_namesCount - 1); }
 
 const Name& Tm_prenamed_struct::name_handle(int index) const {

@@ -125,8 +125,15 @@ protected:
         const TMV k = slot.kind();
         const std::uint64_t value =
             k == TMV_STRUCT || k == TMV_ARRAY || k == TMV_MESSAGE ? names_interned_in(slot) : tm_detail::kNoNames;
+        append_interned(name, std::move(slot), catalog, value);
+    }
+    // The same when the caller knows where the names of the value's own members are
+    // (`valueNames`, see tm_detail::interned_in).
+    void append_interned(const tm_detail::Name& name, tm_detail::Slot slot, const Tm_catalog<std::string>* catalog,
+                         std::uint64_t valueNames) {
         m_members.push_back(Member{name, std::move(slot)});
-        m_interned = tm_detail::meet(m_interned, tm_detail::meet(catalog ? catalog->id() : tm_detail::kUnknown, value));
+        m_interned =
+            tm_detail::meet(m_interned, tm_detail::meet(catalog ? catalog->id() : tm_detail::kUnknown, valueNames));
     }
 
 private:
@@ -194,21 +201,40 @@ public:
     void add_member(int index, const std::string& v, Tm_catalog<std::string>* catalog);
     // Takes ownership of `v`; it is deleted on every failure path.
     void add_member_and_own(int index, Tm_value* v, Tm_catalog<std::string>* catalog);
+    // The same for the values the record converters make, whose kind the call tells: nested
+    // records and arrays (inline, without asking the value what it is).
+    void add_member_and_own(int index, Tm_prenamed_struct* v, Tm_catalog<std::string>* catalog) {
+        if (!v || !valid(index) || !tm_detail::is_exactly<Tm_prenamed_struct>(*v))
+            return add_member_and_own(index, static_cast<Tm_value*>(v), catalog);
+        const std::uint64_t names = v->interned_in();
+        put(index, tm_detail::Slot::of_value(TMV_STRUCT, v), catalog, names);
+    }
+    void add_member_and_own(int index, Tm_array* v, Tm_catalog<std::string>* catalog);
 
     // The shared name of entry `index` of the installed table (checked like add_member).
     const tm_detail::Name& name_handle(int index) const;
 
 private:
+    bool valid(int index) const { return static_cast<unsigned int>(index) < static_cast<unsigned int>(m_namesCount); }
     void check(int index) const {
-        if (static_cast<unsigned int>(index) >= static_cast<unsigned int>(m_namesCount)) bad_index(index);
+        if (!valid(index)) bad_index(index);
     }
     [[noreturn]] void bad_index(int index) const;
+    // tm_detail::Node_arena::adopt, reachable from code inlined into other libraries.
+    static void adopt(Tm_value* v);
     // Appends `slot` named names[index], interned in `catalog` (may be null).
     void put(int index, tm_detail::Slot slot, Tm_catalog<std::string>* catalog) {
         check(index);
         const tm_detail::Name& name = m_handles[index];
         if (catalog) catalog->add(name);
         append_interned(name, std::move(slot), catalog);
+    }
+    // The same for a value whose members' names are where `valueNames` says.
+    void put(int index, tm_detail::Slot slot, Tm_catalog<std::string>* catalog, std::uint64_t valueNames) {
+        check(index);
+        const tm_detail::Name& name = m_handles[index];
+        if (catalog) catalog->add(name);
+        append_interned(name, std::move(slot), catalog, valueNames);
     }
     int m_namesCount = 0;
     // The shared names of the installed table (owned by a process-wide registry of tables).
