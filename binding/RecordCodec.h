@@ -348,6 +348,13 @@ void read(const Tm_struct* s, const char* name, int hint, T& out, EnumString for
 
 // --- records ------------------------------------------------------------------------------
 
+// The names table of R as registered with the runtime, looked up once.
+template <class R>
+const Tm_prenamed_struct::Names_table& names_table() {
+    static const Tm_prenamed_struct::Names_table table = Tm_prenamed_struct::names_table(names<R>());
+    return table;
+}
+
 // (A record without fields, such as an empty base, leaves every parameter unused.)
 template <class R, class Fields, std::size_t... I>
 void write_fields([[maybe_unused]] Tm_prenamed_struct* t, [[maybe_unused]] const R& rec, [[maybe_unused]] bool copy,
@@ -361,7 +368,7 @@ void write_fields([[maybe_unused]] Tm_prenamed_struct* t, [[maybe_unused]] const
 template <class R>
 Tm_prenamed_struct* to_struct(Tm_prenamed_struct* target, const R& rec, bool copy, Catalog* catalog) {
     constexpr auto d = description<R>();
-    target->clear(names<R>());
+    target->clear(names_table<R>());
     write_fields(target, rec, copy, catalog, d.fields, std::make_index_sequence<Names<R>::count>{});
     return target;
 }
@@ -402,7 +409,7 @@ Tm_struct* choice_to_struct(Tm_struct* target, const R& rec, bool copy, Catalog*
 // The same into a prenamed struct over the alternatives' names table.
 template <class R>
 Tm_prenamed_struct* choice_to_prenamed(Tm_prenamed_struct* target, const R& rec, bool copy, Catalog* catalog) {
-    target->clear(names<R>());
+    target->clear(names_table<R>());
     write_selected(rec, copy, catalog, [&](int index, const char*) { return PrenamedSink{target, index, catalog}; },
                    std::make_index_sequence<Names<R>::count>{});
     return target;

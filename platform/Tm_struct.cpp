@@ -255,13 +255,13 @@ const NameTable& shared_table(const char* const* names, int count) {
 
 }  // namespace
 
-void Tm_prenamed_struct::clear(const char* const* names) {
-    Tm_struct::clear();
-    m_namesCount = 0;
-    while (names && names[m_namesCount]) ++m_namesCount;
-    m_handles = m_namesCount ? shared_table(names, m_namesCount).handles.data() : nullptr;
-    reserve_members(static_cast<std::size_t>(m_namesCount));
+Tm_prenamed_struct::Names_table Tm_prenamed_struct::names_table(const char* const* names) {
+    int count = 0;
+    while (names && names[count]) ++count;
+    return Names_table{count ? shared_table(names, count).handles.data() : nullptr, count};
 }
+
+void Tm_prenamed_struct::clear(const char* const* names) { clear(names_table(names)); }
 
 void Tm_prenamed_struct::adopt(Tm_value* v) { tm_detail::Node_arena::adopt(v); }
 

@@ -167,6 +167,20 @@ public:
     void clear(const char* const* names);
     int get_names_count() const { return m_namesCount; }
 
+    // A static names table as clear(names) finds it, for callers that install one table
+    // many times (the record converters): clear(table) then skips the look-up.
+    struct Names_table {
+        const tm_detail::Name* handles;
+        int count;
+    };
+    static Names_table names_table(const char* const* names);
+    void clear(const Names_table& table) {
+        Tm_struct::clear();
+        m_namesCount = table.count;
+        m_handles = table.handles;
+        reserve_members(static_cast<std::size_t>(table.count));
+    }
+
     // Adds a member named names[index]. An index outside the table throws
     // Tm_out_of_range_exception(index, 0, count - 1) and adds nothing.
     void add_member(int index, bool v, Tm_catalog<std::string>* catalog) { put(index, tm_detail::Slot::of_bool(v), catalog); }
