@@ -351,7 +351,7 @@ void read(const Tm_struct* s, const char* name, int hint, T& out, EnumString for
 // The names table of R as registered with the runtime, looked up once.
 template <class R>
 const Tm_prenamed_struct::Names_table& names_table() {
-    static const Tm_prenamed_struct::Names_table table = Tm_prenamed_struct::names_table(names<R>());
+    static const Tm_prenamed_struct::Names_table& table = Tm_prenamed_struct::names_table(names<R>());
     return table;
 }
 

@@ -50,8 +50,11 @@ struct Thread_state {
     // Chunks freed on this thread, kept for the next ones it takes (at most kLocalSpares).
     Spare* spares = nullptr;
     int spareCount = 0;
-    // The arena whose scope is open on this thread, if any.
+    // The arena whose scope is open on this thread, if any, and the run of nodes carved for
+    // it that it has not recorded yet: `arenaCarved` nodes of `arenaChunk`.
     tm_detail::Node_arena* arena = nullptr;
+    void* arenaChunk = nullptr;
+    long arenaCarved = 0;
     // Set once the thread's end has handed everything in: from then on (destructors of
     // other thread-local or static objects), chunks are handed in and releases settled at
     // once.
@@ -190,12 +193,19 @@ void* carve_from_new_chunk(Thread_state& s, std::size_t size) {
 
 namespace tm_detail {
 
-inline void Node_arena::note(void* chunk) {
-    if (!m_runs.empty() && m_runs.back().chunk == chunk) {
-        ++m_runs.back().count;
-        return;
-    }
-    m_runs.push_back(Run{chunk, 1});
+void Node_arena::start_run(void* chunk) {
+    record_run();
+    if (m_runs.size() == m_runs.capacity()) m_runs.reserve(m_runs.empty() ? 64 : 2 * m_runs.size());
+    Thread_state& s = t_state;
+    s.arenaChunk = chunk;
+    s.arenaCarved = 1;
+}
+
+void Node_arena::record_run() noexcept {
+    Thread_state& s = t_state;
+    if (s.arenaCarved > 0) s.arena->m_runs.push_back(Run{s.arenaChunk, s.arenaCarved});
+    s.arenaChunk = nullptr;
+    s.arenaCarved = 0;
 }
 
 }  // namespace tm_detail
@@ -224,11 +234,16 @@ void* Tm_node_pool::allocate(std::size_t size) {
         p = carve_from_new_chunk(s, size);
     }
     if (s.arena) {
-        try {
-            s.arena->note(chunk_of(p));
-        } catch (...) {
-            release(p, size);
-            throw;
+        Chunk_header* c = chunk_of(p);
+        if (c == s.arenaChunk) {
+            ++s.arenaCarved;
+        } else {
+            try {
+                s.arena->start_run(c);
+            } catch (...) {
+                release(p, size);
+                throw;
+            }
         }
     }
     return p;
@@ -267,9 +282,18 @@ Node_arena::~Node_arena() {
 
 Node_arena* Node_arena::current() { return t_state.arena; }
 
-Node_arena::Scope::Scope(Node_arena& arena) : m_previous(t_state.arena) { t_state.arena = &arena; }
-Node_arena::Scope::~Scope() { t_state.arena = m_previous; }
-Node_arena::Pause::Pause() : m_previous(t_state.arena) { t_state.arena = nullptr; }
+Node_arena::Scope::Scope(Node_arena& arena) : m_previous(t_state.arena) {
+    record_run();
+    t_state.arena = &arena;
+}
+Node_arena::Scope::~Scope() {
+    record_run();
+    t_state.arena = m_previous;
+}
+Node_arena::Pause::Pause() : m_previous(t_state.arena) {
+    record_run();
+    t_state.arena = nullptr;
+}
 Node_arena::Pause::~Pause() { t_state.arena = m_previous; }
 
 }  // namespace tm_detail

@@ -95,8 +95,14 @@ public:
 
 private:
     friend class ::Tm_node_pool;
-    // Counts a node carved from `chunk`; consecutive nodes of one chunk make one run.
-    void note(void* chunk);
+    // The nodes a thread carves for the arena of its open scope are counted in the thread's
+    // state and recorded here as one run per chunk, when the chunk or the scope changes.
+    // Starts counting nodes of `chunk` (the first just carved) after recording the previous
+    // run, and makes room for this one's record.
+    void start_run(void* chunk);
+    // Records the run this thread is counting, if any. Never allocates: room for it was made
+    // when it started.
+    static void record_run() noexcept;
     void keep_block(void* block) { m_blocks.push_back(block); }
     struct Run {
         void* chunk;

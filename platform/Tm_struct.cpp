@@ -213,6 +213,7 @@ namespace {
 struct NameTable {
     std::vector<const char*> entries;  // the table's pointers, terminator excluded
     std::vector<Name> handles;
+    tm_detail::Names_entry entry{nullptr, 0};
     bool matches(const char* const* names, int count) const {
         if (static_cast<int>(entries.size()) != count) return false;
         // Compared in place: most tables are a few entries, shorter than a call to memcmp.
@@ -246,6 +247,8 @@ const NameTable& shared_table(const char* const* names, int count) {
         table->entries.assign(names, names + count);
         table->handles.reserve(static_cast<size_t>(count));
         for (int i = 0; i < count; ++i) table->handles.emplace_back(names[i], Name::Immortal{});
+        table->entry.handles = table->handles.data();
+        table->entry.count = count;
         if (entry) replaced.push_back(std::move(entry));
         entry = std::move(table);
     }
@@ -255,36 +258,58 @@ const NameTable& shared_table(const char* const* names, int count) {
 
 }  // namespace
 
-Tm_prenamed_struct::Names_table Tm_prenamed_struct::names_table(const char* const* names) {
+const Tm_prenamed_struct::Names_table& Tm_prenamed_struct::names_table(const char* const* names) {
     int count = 0;
     while (names && names[count]) ++count;
-    return Names_table{count ? shared_table(names, count).handles.data() : nullptr, count};
+    return count ? shared_table(names, count).entry : tm_detail::kNoNamesEntry;
 }
 
 void Tm_prenamed_struct::clear(const char* const* names) { clear(names_table(names)); }
 
+void Tm_prenamed_struct::intern(int index, Tm_catalog<std::string>& catalog) const {
+    catalog.add(m_table->handles[index]);
+    constexpr int kBits = tm_detail::Names_entry::kRunBits;
+    constexpr std::uint64_t kMask = (std::uint64_t(1) << kBits) - 1;
+    const std::uint64_t id = catalog.id();
+    if (id > (~std::uint64_t(0) >> kBits) || static_cast<std::uint64_t>(index) >= kMask) return;
+    // The run grows by one when this name is the next after it.
+    const std::uint64_t run = m_table->run.load(std::memory_order_relaxed);
+    const std::uint64_t length = (run >> kBits) == id ? (run & kMask) : 0;
+    if (static_cast<std::uint64_t>(index) == length) m_table->run.store((id << kBits) | (length + 1), std::memory_order_relaxed);
+}
+
 void Tm_prenamed_struct::adopt(Tm_value* v) { tm_detail::Node_arena::adopt(v); }
 
-void Tm_prenamed_struct::bad_index(int index) const { throw Tm_out_of_range_exception(index, 0, m_namesCount - 1); }
+void Tm_prenamed_struct::bad_index(int index) const { throw Tm_out_of_range_exception(index, 0, m_table->count - 1); }
 
 const Name& Tm_prenamed_struct::name_handle(int index) const {
     check(index);
-    return m_handles[index];
+    return m_table->handles[index];
+}
+
+// A new text's cell (Slot::owning without asking the value what it is).
+Slot Tm_prenamed_struct::text_slot(Tm_string* text) {
+    Slot slot = Slot::of_value(TMV_STRING, text);  // owns the text from here on
+    tm_detail::Node_arena::adopt(text);
+    return slot;
 }
 
 void Tm_prenamed_struct::add_member(int index, const char* v, Tm_catalog<std::string>* catalog) {
     check(index);
-    put(index, Slot::owning(new Tm_string(v ? v : "")), catalog);
+    put(index, text_slot(new Tm_string(v ? v : "")), catalog);
 }
 
 void Tm_prenamed_struct::add_member(int index, const std::string& v, Tm_catalog<std::string>* catalog) {
     check(index);
-    put(index, Slot::owning(new Tm_string(v)), catalog);
+    put(index, text_slot(new Tm_string(v)), catalog);
 }
 
 void Tm_prenamed_struct::add_member_and_own(int index, Tm_value* v, Tm_catalog<std::string>* catalog) {
     Slot slot = Slot::owning(v);  // owns (or has deleted) v from here on
-    put(index, std::move(slot), catalog);
+    const TMV k = slot.kind();
+    const std::uint64_t names =
+        k == TMV_STRUCT || k == TMV_ARRAY || k == TMV_MESSAGE ? tm_detail::interned_in(slot) : tm_detail::kNoNames;
+    put(index, std::move(slot), catalog, names);
 }
 
 void tm_detail::Node_arena::adopt(Tm_value* v) {

@@ -1,6 +1,7 @@
 // Structs: ordered, named members.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -150,6 +151,28 @@ private:
     std::uint64_t m_interned = tm_detail::kNoNames;
 };
 
+namespace tm_detail {
+
+// A registered names table: the shared names of its entries, and the longest run of them,
+// from the first, known to be interned in one catalog. So building records of one type
+// interns each name once per catalog, not once per member. The run is noted as
+// (catalog id << kRunBits) | length; a catalog's contents only grow under one id.
+struct Names_entry {
+    static constexpr int kRunBits = 24;
+    const Name* handles;
+    int count;
+    mutable std::atomic<std::uint64_t> run{0};
+    // Whether names[index] is known to be interned in `catalog`.
+    bool interned(int index, const Tm_catalog<std::string>& catalog) const {
+        const std::uint64_t r = run.load(std::memory_order_relaxed);
+        return (r >> kRunBits) == catalog.id() &&
+               static_cast<std::uint64_t>(index) < (r & ((std::uint64_t(1) << kRunBits) - 1));
+    }
+};
+inline const Names_entry kNoNamesEntry{nullptr, 0};
+
+}  // namespace tm_detail
+
 // A struct whose member names come from a static, null-terminated names table: clear(names)
 // installs the table, then members are added by their index in it. The catalog given with
 // each member interns the name (normally the message's send catalog) so that the encoder's
@@ -165,19 +188,15 @@ public:
 
     // Removes every member and installs `names` (may be null: no names).
     void clear(const char* const* names);
-    int get_names_count() const { return m_namesCount; }
+    int get_names_count() const { return m_table->count; }
 
-    // A static names table as clear(names) finds it, for callers that install one table
+    // A static names table as clear(names) registers it, for callers that install one table
     // many times (the record converters): clear(table) then skips the look-up.
-    struct Names_table {
-        const tm_detail::Name* handles;
-        int count;
-    };
-    static Names_table names_table(const char* const* names);
+    using Names_table = tm_detail::Names_entry;
+    static const Names_table& names_table(const char* const* names);
     void clear(const Names_table& table) {
         Tm_struct::clear();
-        m_namesCount = table.count;
-        m_handles = table.handles;
+        m_table = &table;
         reserve_members(static_cast<std::size_t>(table.count));
     }
 
@@ -229,30 +248,26 @@ public:
     const tm_detail::Name& name_handle(int index) const;
 
 private:
-    bool valid(int index) const { return static_cast<unsigned int>(index) < static_cast<unsigned int>(m_namesCount); }
+    bool valid(int index) const { return static_cast<unsigned int>(index) < static_cast<unsigned int>(m_table->count); }
     void check(int index) const {
         if (!valid(index)) bad_index(index);
     }
     [[noreturn]] void bad_index(int index) const;
     // tm_detail::Node_arena::adopt, reachable from code inlined into other libraries.
     static void adopt(Tm_value* v);
-    // Appends `slot` named names[index], interned in `catalog` (may be null).
-    void put(int index, tm_detail::Slot slot, Tm_catalog<std::string>* catalog) {
+    // Appends `slot` named names[index], interned in `catalog` (may be null), for a value
+    // whose members' names are where `valueNames` says (see tm_detail::interned_in).
+    void put(int index, tm_detail::Slot slot, Tm_catalog<std::string>* catalog,
+             std::uint64_t valueNames = tm_detail::kNoNames) {
         check(index);
-        const tm_detail::Name& name = m_handles[index];
-        if (catalog) catalog->add(name);
-        append_interned(name, std::move(slot), catalog);
+        if (catalog && !m_table->interned(index, *catalog)) intern(index, *catalog);
+        append_interned(m_table->handles[index], std::move(slot), catalog, valueNames);
     }
-    // The same for a value whose members' names are where `valueNames` says.
-    void put(int index, tm_detail::Slot slot, Tm_catalog<std::string>* catalog, std::uint64_t valueNames) {
-        check(index);
-        const tm_detail::Name& name = m_handles[index];
-        if (catalog) catalog->add(name);
-        append_interned(name, std::move(slot), catalog, valueNames);
-    }
-    int m_namesCount = 0;
-    // The shared names of the installed table (owned by a process-wide registry of tables).
-    const tm_detail::Name* m_handles = nullptr;
+    static tm_detail::Slot text_slot(Tm_string* text);
+    // Interns names[index] in `catalog`, extending what the table knows is interned there.
+    void intern(int index, Tm_catalog<std::string>& catalog) const;
+    // The installed table (owned by a process-wide registry of tables, or the empty one).
+    const tm_detail::Names_entry* m_table = &tm_detail::kNoNamesEntry;
 };
 
 namespace tm_detail {
