@@ -272,6 +272,38 @@ TEST(PrenamedStruct, EveryNameReachesTheCatalog) {
     }
 }
 
+// Records of one table built in turn into catalogs that are fresh, shared, emptied or
+// copied: each catalog holds exactly the names of the members added through it, in the
+// order first met, however often the table was used before.
+TEST(PrenamedStruct, EachCatalogGetsTheNamesOfItsOwnMembers) {
+    const char* const names[] = {"a", "b", "c", "d", nullptr};
+    using Catalog = Tm_catalog<std::string>;
+    const auto build = [&](Catalog* catalog, std::vector<int> indexes) {
+        Tm_prenamed_struct p;
+        p.clear(names);
+        for (int i : indexes) p.add_member(i, i, catalog);
+    };
+    Catalog one, two;
+    build(&one, {0, 1});
+    EXPECT_EQ(one.names(), (std::vector<std::string>{"a", "b"}));
+    build(&two, {2, 0});
+    EXPECT_EQ(two.names(), (std::vector<std::string>{"c", "a"}));
+    build(&one, {0, 1, 2, 3});
+    build(&two, {0, 1, 2, 3});
+    EXPECT_EQ(one.names(), (std::vector<std::string>{"a", "b", "c", "d"}));
+    EXPECT_EQ(two.names(), (std::vector<std::string>{"c", "a", "b", "d"}));
+    Catalog copy = one;
+    build(&copy, {3});
+    EXPECT_EQ(copy.names(), one.names());
+    one.clear();
+    build(&one, {1});
+    build(&one, {0, 1});
+    EXPECT_EQ(one.names(), (std::vector<std::string>{"b", "a"}));
+    Catalog moved = std::move(two);
+    build(&two, {0, 1, 2, 3});
+    EXPECT_EQ(two.names(), (std::vector<std::string>{"a", "b", "c", "d"}));
+}
+
 TEST(PrenamedStruct, MembersAreNamedFromTheTableAndInternedInTheCatalog) {
     const char* const names[] = {"alpha", "beta", nullptr};
     Message m;
