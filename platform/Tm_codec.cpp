@@ -87,6 +87,22 @@ class Writer {
         varint(size);
         raw(data, size);
     }
+    // A struct member holding a scalar of kind `kind` (raw bits `bits`, little-endian on the
+    // wire): name index, tag and payload, with one check for room. The payload is stored as
+    // eight bytes and the cursor advanced by its width; what lies beyond is overwritten next
+    // or cut by finish().
+    void scalar_member(std::uint64_t nameIndex, int kind, std::uint64_t bits) {
+        ensure(kMaxVarintBytes + 1 + 8);
+        unsigned char* p = m_base + m_len;
+        while (nameIndex >= 0x80) {
+            *p++ = static_cast<unsigned char>(nameIndex | 0x80);
+            nameIndex >>= 7;
+        }
+        *p++ = static_cast<unsigned char>(nameIndex);
+        *p++ = static_cast<unsigned char>(kind);
+        for (int i = 0; i < 8; ++i) p[i] = static_cast<unsigned char>(bits >> (8 * i));
+        m_len = static_cast<std::size_t>(p - m_base) + kMinPayload[kind];
+    }
     void raw(const void* data, std::size_t size) {
         if (size == 0) return;
         ensure(size);
@@ -219,10 +235,36 @@ class Encoder final : public Tm_visitor {
         m_w.varint(static_cast<std::uint64_t>(count));
         m_stack.push_back(Frame{true, false, -1, level, count});
         for (int i = 0; i < count; ++i) {
-            m_w.varint(static_cast<std::uint64_t>(name_index(s.member_name_handle(i))));
-            write_slot(s.member_slot(i));
+            const auto index = static_cast<std::uint64_t>(name_index(s.member_name_handle(i)));
+            const tm_detail::Slot& slot = s.member_slot(i);
+            const TMV kind = slot.kind();
+            if (tmv_is_scalar(kind)) {
+                // The frame is this struct's own: the item needs no check.
+                --m_stack.back().remaining;
+                m_w.scalar_member(index, kind, scalar_bits(slot));
+            } else {
+                m_w.varint(index);
+                write_slot(slot);
+            }
         }
         close();
+    }
+    // The wire bits of a scalar cell: two's complement for signed kinds, IEEE-754 for double.
+    static std::uint64_t scalar_bits(const tm_detail::Slot& slot) {
+        switch (slot.kind()) {
+            case TMV_INT8:
+            case TMV_INT16:
+            case TMV_INT32:
+            case TMV_INT64: return static_cast<std::uint64_t>(slot.as_signed());
+            case TMV_DOUBLE: {
+                const double d = slot.as_double();
+                std::uint64_t bits;
+                std::memcpy(&bits, &d, sizeof bits);
+                return bits;
+            }
+            case TMV_BOOL: return slot.as_bool() ? 1 : 0;
+            default: return slot.as_unsigned();
+        }
     }
     void write_slot(const tm_detail::Slot& slot) {
         switch (slot.kind()) {
@@ -573,12 +615,17 @@ class Decoder {
             }
             const std::size_t tagAt = m_pos;
             const int tag = kind_tag(false);
-            target.append(Name(m_names[static_cast<std::size_t>(index)], Name::Borrowed{}),
-                          read_payload(tag, tagAt, level));
+            Name name(m_names[static_cast<std::size_t>(index)], Name::Borrowed{});
+            // Scalars, most members, are read here; other values through read_payload.
+            if (tmv_is_scalar(tag)) {
+                target.append(std::move(name), read_scalar(tag));
+            } else {
+                target.append(std::move(name), read_payload(tag, tagAt, level));
+            }
         }
     }
 
-    Slot read_payload(int tag, std::size_t tagAt, int level) {
+    Slot read_scalar(int tag) {
         switch (tag) {
             case TMV_INT8:
                 return Slot::of_signed(TMV_INT8, static_cast<signed char>(u8()));
@@ -602,8 +649,24 @@ class Decoder {
                 std::memcpy(&d, &bits, sizeof d);
                 return Slot::of_double(d);
             }
-            case TMV_BOOL:
+            default:
                 return Slot::of_bool(read_bool());
+        }
+    }
+
+    Slot read_payload(int tag, std::size_t tagAt, int level) {
+        switch (tag) {
+            case TMV_INT8:
+            case TMV_UINT8:
+            case TMV_INT16:
+            case TMV_UINT16:
+            case TMV_INT32:
+            case TMV_UINT32:
+            case TMV_INT64:
+            case TMV_UINT64:
+            case TMV_DOUBLE:
+            case TMV_BOOL:
+                return read_scalar(tag);
             // Each value is read before its node is made: a node of the arena must not be
             // given back on its own, as a throwing initializer would.
             case TMV_STRING: {
