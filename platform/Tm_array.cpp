@@ -136,15 +136,14 @@ void Tm_array::assign_packed(TMV kind, const unsigned char* data, std::size_t co
 }
 
 void Tm_array::drop_packed() {
-    if (m_ownsPacked && m_packedData && m_packedData != m_inline) {
+    if (!m_ownsPacked) return;
+    if (m_packedData && m_packedData != m_inline) {
         Tm_node_pool::release(const_cast<unsigned char*>(m_packedData),
                               m_packedCount * wire_size(static_cast<TMV>(m_packedKind)));
     }
-    if (m_ownsPacked) {
-        m_packedData = nullptr;
-        m_packedCount = 0;
-        m_ownsPacked = false;
-    }
+    m_packedData = nullptr;
+    m_packedCount = 0;
+    m_ownsPacked = false;
 }
 
 Slot Tm_array::element_slot(std::size_t index) const {

@@ -111,12 +111,9 @@ public:
     // Wire size of one element of scalar kind `kind`.
     static std::size_t wire_size(TMV kind);
 
-    // Whether this array owns nothing that its destructor must free: a plain array without
-    // items or out-of-line packed storage, or a derived array that said so (an arena holding
-    // it then need not run its destructor).
-    bool owns_nothing() const {
-        return m_items.capacity() == 0 && (m_ownsNothing || (m_ownsPacked && m_packedData == m_inline));
-    }
+    // Whether a derived array said it owns nothing that its destructor must free (an arena
+    // holding it then need not run its destructor).
+    bool owns_nothing() const { return m_ownsNothing && m_items.capacity() == 0; }
 
 protected:
     // Derived arrays whose elements sit contiguously in wire layout announce them here (a

@@ -75,13 +75,7 @@ class Writer {
     }
     void varint(std::uint64_t v) {
         ensure(kMaxVarintBytes);
-        unsigned char* p = m_base + m_len;
-        while (v >= 0x80) {
-            *p++ = static_cast<unsigned char>(v | 0x80);
-            v >>= 7;
-        }
-        *p++ = static_cast<unsigned char>(v);
-        m_len = static_cast<std::size_t>(p - m_base);
+        m_len = static_cast<std::size_t>(put_varint(m_base + m_len, v) - m_base);
     }
     void bytes(const void* data, std::size_t size) {
         varint(size);
@@ -93,12 +87,7 @@ class Writer {
     // or cut by finish().
     void scalar_member(std::uint64_t nameIndex, int kind, std::uint64_t bits) {
         ensure(kMaxVarintBytes + 1 + 8);
-        unsigned char* p = m_base + m_len;
-        while (nameIndex >= 0x80) {
-            *p++ = static_cast<unsigned char>(nameIndex | 0x80);
-            nameIndex >>= 7;
-        }
-        *p++ = static_cast<unsigned char>(nameIndex);
+        unsigned char* p = put_varint(m_base + m_len, nameIndex);
         *p++ = static_cast<unsigned char>(kind);
         for (int i = 0; i < 8; ++i) p[i] = static_cast<unsigned char>(bits >> (8 * i));
         m_len = static_cast<std::size_t>(p - m_base) + kMinPayload[kind];
@@ -113,6 +102,15 @@ class Writer {
     void finish() { m_out.resize(m_len); }
 
   private:
+    // Writes `v` as a varint at `p` (room checked by the caller); returns the end.
+    static unsigned char* put_varint(unsigned char* p, std::uint64_t v) {
+        while (v >= 0x80) {
+            *p++ = static_cast<unsigned char>(v | 0x80);
+            v >>= 7;
+        }
+        *p++ = static_cast<unsigned char>(v);
+        return p;
+    }
     void grow(std::size_t n) {
         const std::size_t want = std::max({m_len + n, m_cap * 2, std::size_t(256)});
         m_out.resize(want);
@@ -655,18 +653,8 @@ class Decoder {
     }
 
     Slot read_payload(int tag, std::size_t tagAt, int level) {
+        if (tmv_is_scalar(tag)) return read_scalar(tag);
         switch (tag) {
-            case TMV_INT8:
-            case TMV_UINT8:
-            case TMV_INT16:
-            case TMV_UINT16:
-            case TMV_INT32:
-            case TMV_UINT32:
-            case TMV_INT64:
-            case TMV_UINT64:
-            case TMV_DOUBLE:
-            case TMV_BOOL:
-                return read_scalar(tag);
             // Each value is read before its node is made: a node of the arena must not be
             // given back on its own, as a throwing initializer would.
             case TMV_STRING: {

@@ -20,6 +20,15 @@ bool is_exactly(const Tm_value& v) {
     return &typeid(v) == &typeid(T);
 }
 
+// Whether `t` is the NUL-terminated text `s`: one pass, without measuring `s` first (the first
+// characters decide for nearly every pair).
+inline bool same_text(const std::string& t, const char* s) {
+    for (std::size_t i = 0; i < t.size(); ++i) {
+        if (s[i] == '\0' || s[i] != t[i]) return false;
+    }
+    return s[t.size()] == '\0';
+}
+
 // A member name shared by every struct member that carries it: one heap text per distinct
 // name of a names table or of a decoded name table, however many members use it. Copies
 // share the text (atomic reference count; names may be shared between messages that
@@ -66,12 +75,7 @@ public:
     bool is(const char* s) const {
         Rep* r = rep();
         if (r->matched.load(std::memory_order_relaxed) == s) return true;
-        const std::string& t = r->text;
-        // One pass, without measuring `s` first.
-        for (std::size_t i = 0; i < t.size(); ++i) {
-            if (s[i] == '\0' || s[i] != t[i]) return false;
-        }
-        if (s[t.size()] != '\0') return false;
+        if (!same_text(r->text, s)) return false;
         r->matched.store(s, std::memory_order_relaxed);
         return true;
     }

@@ -117,8 +117,6 @@ int Tm_struct::find_member_from_start(const char* name) const {
     return -1;
 }
 
-std::uint64_t Tm_struct::names_interned_in(const Slot& slot) { return tm_detail::interned_in(slot); }
-
 void Tm_struct::no_member(const char* name) { throw Tm_exception("no member named '" + std::string(name) + "'"); }
 
 void Tm_struct::kind_mismatch(TMV found, TMV wanted) { throw Tm_type_mismatch_exception(found, wanted); }
@@ -157,7 +155,8 @@ void Tm_struct::add_member_and_own(const std::string& name, Tm_value* v, Tm_cata
     Slot slot = Slot::owning(v);  // owns (or has deleted) v from here on
     Name shared(name);
     if (catalog) catalog->add(shared);
-    append_interned(shared, std::move(slot), catalog);
+    const std::uint64_t names = tm_detail::interned_in(slot);
+    append_interned(shared, std::move(slot), catalog, names);
 }
 
 bool Tm_struct::get_member_bool(const std::string& n) const { return typed(n, TMV_BOOL).as_bool(); }
@@ -306,9 +305,7 @@ void Tm_prenamed_struct::add_member(int index, const std::string& v, Tm_catalog<
 
 void Tm_prenamed_struct::add_member_and_own(int index, Tm_value* v, Tm_catalog<std::string>* catalog) {
     Slot slot = Slot::owning(v);  // owns (or has deleted) v from here on
-    const TMV k = slot.kind();
-    const std::uint64_t names =
-        k == TMV_STRUCT || k == TMV_ARRAY || k == TMV_MESSAGE ? tm_detail::interned_in(slot) : tm_detail::kNoNames;
+    const std::uint64_t names = tm_detail::interned_in(slot);
     put(index, std::move(slot), catalog, names);
 }
 

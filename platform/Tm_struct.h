@@ -121,15 +121,8 @@ public:
 
 protected:
     const tm_detail::Slot& typed(const std::string& name, TMV kind) const;
-    // Appends a member whose name `catalog` (may be null) has just interned.
-    void append_interned(const tm_detail::Name& name, tm_detail::Slot slot, const Tm_catalog<std::string>* catalog) {
-        const TMV k = slot.kind();
-        const std::uint64_t value =
-            k == TMV_STRUCT || k == TMV_ARRAY || k == TMV_MESSAGE ? names_interned_in(slot) : tm_detail::kNoNames;
-        append_interned(name, std::move(slot), catalog, value);
-    }
-    // The same when the caller knows where the names of the value's own members are
-    // (`valueNames`, see tm_detail::interned_in).
+    // Appends a member whose name `catalog` (may be null) has just interned; `valueNames` says
+    // where the names of the value's own members are (see tm_detail::interned_in).
     void append_interned(const tm_detail::Name& name, tm_detail::Slot slot, const Tm_catalog<std::string>* catalog,
                          std::uint64_t valueNames) {
         m_members.push_back(Member{name, std::move(slot)});
@@ -138,8 +131,6 @@ protected:
     }
 
 private:
-    // tm_detail::interned_in, reachable from code inlined into other libraries.
-    static std::uint64_t names_interned_in(const tm_detail::Slot& slot);
     int find_member_from_start(const char* name) const;
     [[noreturn]] static void no_member(const char* name);
     [[noreturn]] static void kind_mismatch(TMV found, TMV wanted);
