@@ -69,8 +69,7 @@ class Writer {
     template <int N>
     void fixed(std::uint64_t v) {
         ensure(N);
-        unsigned char* p = m_base + m_len;
-        for (int i = 0; i < N; ++i) p[i] = static_cast<unsigned char>(v >> (8 * i));
+        tm_detail::store_le<N>(m_base + m_len, v);
         m_len += N;
     }
     void varint(std::uint64_t v) {
@@ -89,7 +88,7 @@ class Writer {
         ensure(kMaxVarintBytes + 1 + 8);
         unsigned char* p = put_varint(m_base + m_len, nameIndex);
         *p++ = static_cast<unsigned char>(kind);
-        for (int i = 0; i < 8; ++i) p[i] = static_cast<unsigned char>(bits >> (8 * i));
+        tm_detail::store_le<8>(p, bits);
         m_len = static_cast<std::size_t>(p - m_base) + kMinPayload[kind];
     }
     void raw(const void* data, std::size_t size) {
@@ -506,8 +505,7 @@ class Decoder {
     template <int N>
     std::uint64_t fixed() {
         need(N);
-        std::uint64_t v = 0;
-        for (int i = 0; i < N; ++i) v |= static_cast<std::uint64_t>(m_data[m_pos + i]) << (8 * i);
+        const std::uint64_t v = tm_detail::load_le<N>(m_data + m_pos);
         m_pos += N;
         return v;
     }

@@ -34,4 +34,25 @@ inline void copy_bytes(unsigned char* d, const unsigned char* s, std::size_t n) 
     }
 }
 
+// Stores the low `N` bytes of `v` at `p`, least significant first, and loads them back: one
+// move each on a little-endian host, where the compiler would otherwise keep the byte loop.
+template <int N>
+inline void store_le(unsigned char* p, std::uint64_t v) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    std::memcpy(p, &v, N);
+#else
+    for (int i = 0; i < N; ++i) p[i] = static_cast<unsigned char>(v >> (8 * i));
+#endif
+}
+template <int N>
+inline std::uint64_t load_le(const unsigned char* p) {
+    std::uint64_t v = 0;
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    std::memcpy(&v, p, N);
+#else
+    for (int i = 0; i < N; ++i) v |= static_cast<std::uint64_t>(p[i]) << (8 * i);
+#endif
+    return v;
+}
+
 }  // namespace tm_detail
