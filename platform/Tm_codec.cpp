@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <type_traits>
 #include <typeinfo>
 #include <string>
 #include <unordered_map>
@@ -443,6 +444,20 @@ void write_table(Writer& w, const Tm_catalog<std::string>& catalog,
     throw Tm_exception("decode error at byte " + std::to_string(offset) + ": " + what);
 }
 
+void append_part(std::string& s, const char* part) { s += part; }
+template <class N, std::enable_if_t<std::is_integral<N>::value, int> = 0>
+void append_part(std::string& s, N part) {
+    s += std::to_string(part);
+}
+// fail() with the text assembled from `parts` here, out of line, so that the checks on the
+// decoder's hot paths stay a compare and a branch.
+template <class... Parts>
+[[noreturn, gnu::cold, gnu::noinline]] void fail_with(std::size_t offset, const Parts&... parts) {
+    std::string what;
+    (append_part(what, parts), ...);
+    fail(offset, what);
+}
+
 using tm_detail::Name;
 using tm_detail::Slot;
 
@@ -494,8 +509,7 @@ class Decoder {
 
     void need(std::size_t n) const {
         if (remaining() < n) {
-            fail(m_pos, "unexpected end of input (need " + std::to_string(n) + " bytes, " +
-                            std::to_string(remaining()) + " left)");
+            fail_with(m_pos, "unexpected end of input (need ", n, " bytes, ", remaining(), " left)");
         }
     }
     unsigned int u8() {
@@ -532,15 +546,14 @@ class Decoder {
         const std::size_t at = m_pos;
         const std::uint64_t n = varint();
         if (!fits(n, unit)) {
-            fail(at, std::string(what) + " " + std::to_string(n) + " exceeds what the remaining " +
-                         std::to_string(remaining()) + " bytes can hold");
+            fail_with(at, what, " ", n, " exceeds what the remaining ", remaining(), " bytes can hold");
         }
         return static_cast<std::size_t>(n);
     }
     int item_count(std::size_t unit, const char* what) {
         const std::size_t at = m_pos;
         const std::size_t n = count(unit, what);
-        if (n > static_cast<std::size_t>(INT_MAX)) fail(at, std::string(what) + " too large");
+        if (n > static_cast<std::size_t>(INT_MAX)) fail_with(at, what, " too large");
         return static_cast<int>(n);
     }
     const unsigned char* take(std::size_t n) {
@@ -569,7 +582,7 @@ class Decoder {
         const unsigned int t = u8();
         if (t <= static_cast<unsigned int>(TMV_LAST) || (allowMixed && t == kMixed))
             return static_cast<int>(t);
-        fail(at, "unknown kind tag " + std::to_string(t));
+        fail_with(at, "unknown kind tag ", t);
     }
     int deeper(int level, std::size_t at) const {
         if (level >= kMaxDepth)
@@ -606,8 +619,7 @@ class Decoder {
             const std::size_t at = m_pos;
             const std::uint64_t index = varint();
             if (index >= m_names.size()) {
-                fail(at, "name index " + std::to_string(index) + " outside the name table of " +
-                             std::to_string(m_names.size()) + " names");
+                fail_with(at, "name index ", index, " outside the name table of ", m_names.size(), " names");
             }
             const std::size_t tagAt = m_pos;
             const int tag = kind_tag(false);
@@ -721,7 +733,7 @@ class Decoder {
     bool read_bool() {
         const std::size_t at = m_pos;
         const unsigned int b = u8();
-        if (b > 1) fail(at, "bool byte " + std::to_string(b) + " is neither 0 nor 1");
+        if (b > 1) fail_with(at, "bool byte ", b, " is neither 0 nor 1");
         return b != 0;
     }
 
