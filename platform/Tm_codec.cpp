@@ -668,12 +668,15 @@ class Decoder {
             // Each value is read before its node is made: a node of the arena must not be
             // given back on its own, as a throwing initializer would.
             case TMV_STRING: {
-                std::string text = bytes_as_string();
-                auto* v = new Tm_string(std::move(text));
-                // A text longer than the string's own buffer has storage outside the arena.
-                const auto at = reinterpret_cast<std::uintptr_t>(v->get().data());
-                const auto node = reinterpret_cast<std::uintptr_t>(v);
-                return arena_value(TMV_STRING, v, at < node || at >= node + sizeof(Tm_string));
+                const std::size_t n = count(1, "length");
+                const char* p = reinterpret_cast<const char*>(take(n));
+                // A text that fits the string's own buffer is copied once, straight into the
+                // node (nothing can throw after it is taken); a longer one has storage
+                // outside the arena, taken before the node.
+                static const std::size_t kShortText = std::string().capacity();
+                if (n <= kShortText) return Slot::in_arena(TMV_STRING, new Tm_string(p, n));
+                std::string text(p, n);
+                return arena_value(TMV_STRING, new Tm_string(std::move(text)), true);
             }
             case TMV_BINARY: {
                 std::vector<unsigned char> bytes = bytes_as_vector();

@@ -109,6 +109,7 @@ template <> inline void Tm_bool::accept(Tm_visitor& v) const { v.visit_bool(m_va
 class Tm_string final : public Tm_value {
 public:
     explicit Tm_string(std::string v = std::string()) : Tm_value(TMV_STRING), m_value(std::move(v)) {}
+    Tm_string(const char* data, std::size_t size) : Tm_value(TMV_STRING), m_value(data, size) {}
     Tm_value* clone() const override { return new Tm_string(*this); }
     bool equals(const Tm_value& other) const override;
     void accept(Tm_visitor& visitor) const override { visitor.visit_string(m_value); }
