@@ -158,6 +158,15 @@ auto make_value(const T& v, bool copy, Catalog* catalog) {
     }
 }
 
+// The name of `value` in `map` as the map holds it (so that the text is copied once, into its
+// value), or null when no row names it.
+inline const char* row_name(int value, const tm_enum_map* map) {
+    for (const tm_enum_map* row = map; row && row->name; ++row) {
+        if (row->value == value) return row->name;
+    }
+    return nullptr;
+}
+
 // Writes one field; false when a bounded vector is too long (the struct ends there).
 template <class Sink, class T>
 bool write(const Sink& sink, const T& v, Natural, bool copy, Catalog* catalog) {
@@ -186,12 +195,22 @@ bool write(const Sink& sink, const T& v, EnumInt<W>, bool, Catalog*) {
 template <class Sink, class T>
 bool write(const Sink& sink, const T& v, EnumString form, bool, Catalog*) {
     if constexpr (std::is_enum_v<T>) {
-        sink.put(tms_enum_to_string(static_cast<int>(v), form.map));
+        if (const char* name = row_name(static_cast<int>(v), form.map)) {
+            sink.put(name);
+        } else {
+            sink.put(tms_enum_to_string(static_cast<int>(v), form.map));
+        }
     } else {
         static_assert(IsVector<T>::value && std::is_enum_v<typename T::value_type>, "enum_string needs enums");
         auto a = std::make_unique<Tm_array>();
         a->reserve(static_cast<int>(v.size()));
-        for (auto e : v) a->add_member(tms_enum_to_string(static_cast<int>(e), form.map));
+        for (auto e : v) {
+            if (const char* name = row_name(static_cast<int>(e), form.map)) {
+                a->add_member(name);
+            } else {
+                a->add_member(tms_enum_to_string(static_cast<int>(e), form.map));
+            }
+        }
         sink.own(a.release());
     }
     return true;
