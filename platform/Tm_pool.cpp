@@ -275,7 +275,13 @@ namespace tm_detail {
 
 Node_arena::~Node_arena() {
     if (m_abandoned) return;
-    for (auto it = m_destroy.rbegin(); it != m_destroy.rend(); ++it) (*it)->~Tm_value();
+    // The values are cold by now (a message is far larger than the caches): each is fetched
+    // a few destructor calls ahead, so that the calls do not wait on memory one by one.
+    constexpr std::size_t kAhead = 8;
+    for (std::size_t i = m_destroy.size(); i-- > 0;) {
+        if (i >= kAhead) __builtin_prefetch(m_destroy[i - kAhead]);
+        m_destroy[i]->~Tm_value();
+    }
     for (const Run& r : m_runs) settle(static_cast<Chunk_header*>(r.chunk), -r.count);
     for (void* block : m_blocks) ::operator delete(block);
 }
