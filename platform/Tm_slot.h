@@ -40,17 +40,17 @@ inline bool same_text(const std::string& t, const char* s) {
 // name, so copies may outlive the keeper.
 class Name {
 public:
-    explicit Name(const std::string& text) : m_bits(bits_of(new Rep(text, false))) {}
-    explicit Name(const char* text) : m_bits(bits_of(new Rep(text, false))) {}
+    explicit Name(const std::string& text) : m_bits(bits_of(new Rep(text))) {}
+    explicit Name(const char* text) : m_bits(bits_of(new Rep(text))) {}
     // A name that lives as long as the process (the entries of static names tables): copies
     // share it without counting, which keeps building records free of atomic operations.
     struct Immortal {};
-    Name(const char* text, Immortal) : m_bits(bits_of(new Rep(text, true))) {}
+    Name(const char* text, Immortal) : m_bits(bits_of(new Rep(text)) | kImmortalBit) {}
     // A borrowed reference to `keeper`'s text, which must outlive every read through it.
     struct Borrowed {};
-    Name(const Name& keeper, Borrowed) noexcept : m_bits(bits_of(keeper.rep()) | kBorrowedBit) {}
-    Name(const Name& o) noexcept : m_bits(bits_of(o.rep())) {
-        if (!rep()->immortal) rep()->refs.fetch_add(1, std::memory_order_relaxed);
+    Name(const Name& keeper, Borrowed) noexcept : m_bits(keeper.m_bits | kBorrowedBit) {}
+    Name(const Name& o) noexcept : m_bits(o.m_bits & ~kBorrowedBit) {
+        if (!(m_bits & kImmortalBit)) rep()->refs.fetch_add(1, std::memory_order_relaxed);
     }
     Name(Name&& o) noexcept : m_bits(o.m_bits) { o.m_bits = 0; }
     Name& operator=(const Name& o) noexcept {
@@ -63,9 +63,9 @@ public:
         return *this;
     }
     ~Name() {
-        if (m_bits == 0 || (m_bits & kBorrowedBit)) return;
+        if (m_bits == 0 || (m_bits & (kBorrowedBit | kImmortalBit))) return;
         Rep* r = rep();
-        if (!r->immortal && r->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) delete r;
+        if (r->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) delete r;
     }
 
     const std::string& text() const { return rep()->text; }
@@ -96,18 +96,22 @@ public:
 private:
     static constexpr int kIndexBits = 24;
     static constexpr std::uint64_t kIndexMask = (std::uint64_t(1) << kIndexBits) - 1;
+    // Which references cost no count, told by the reference itself so that copying and
+    // dropping one (once per struct member) never reads the shared text's state.
     static constexpr std::uintptr_t kBorrowedBit = 1;
+    static constexpr std::uintptr_t kImmortalBit = 2;
     struct Rep {
-        Rep(std::string t, bool forever) : text(std::move(t)), immortal(forever) {}
+        explicit Rep(std::string t) : text(std::move(t)) {}
         std::string text;
-        const bool immortal;
         std::atomic<long> refs{1};
         std::atomic<std::uint64_t> cache{0};
         std::atomic<const char*> matched{nullptr};
     };
     static std::uintptr_t bits_of(Rep* r) { return reinterpret_cast<std::uintptr_t>(r); }
-    Rep* rep() const { return reinterpret_cast<Rep*>(m_bits & ~kBorrowedBit); }
-    // The text's address, with kBorrowedBit set when the reference is borrowed.
+    Rep* rep() const { return reinterpret_cast<Rep*>(m_bits & ~(kBorrowedBit | kImmortalBit)); }
+    static_assert(alignof(Rep) > (kBorrowedBit | kImmortalBit), "the tag bits must be free in a text's address");
+    // The text's address, with kBorrowedBit set when the reference is borrowed and
+    // kImmortalBit when the text lives as long as the process.
     std::uintptr_t m_bits;
 };
 
