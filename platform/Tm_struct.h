@@ -121,6 +121,14 @@ public:
 
 protected:
     const tm_detail::Slot& typed(const std::string& name, TMV kind) const;
+    // Tm_struct::clear(), with no call when there is nothing to remove (a struct filled once).
+    void clear_members() {
+        if (m_members.empty()) {
+            m_interned = tm_detail::kNoNames;
+        } else {
+            Tm_struct::clear();
+        }
+    }
     // Appends a member whose name `catalog` (may be null) has just interned; `valueNames` says
     // where the names of the value's own members are (see tm_detail::interned_in).
     void append_interned(const tm_detail::Name& name, tm_detail::Slot slot, const Tm_catalog<std::string>* catalog,
@@ -186,7 +194,7 @@ public:
     using Names_table = tm_detail::Names_entry;
     static const Names_table& names_table(const char* const* names);
     void clear(const Names_table& table) {
-        Tm_struct::clear();
+        clear_members();
         m_table = &table;
         reserve_members(static_cast<std::size_t>(table.count));
     }
