@@ -16,7 +16,7 @@ Tm_struct::Tm_struct() : Tm_value_container(TMV_STRUCT) {}
 
 Tm_struct::Tm_struct(const Tm_struct& other) : Tm_value_container(TMV_STRUCT), m_interned(other.m_interned) {
     m_members.reserve(other.m_members.size());
-    for (const Member& m : other.m_members) m_members.push_back(Member{m.name, m.slot.clone()});
+    for (const Member& m : other.m_members) m_members.emplace_back(m.name, m.slot.clone());
 }
 
 Tm_struct& Tm_struct::operator=(const Tm_struct& other) {

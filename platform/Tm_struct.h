@@ -95,7 +95,7 @@ public:
     const tm_detail::Slot& member_slot(int index) const { return m_members[static_cast<size_t>(index)].slot; }
     void reserve_members(std::size_t count) { m_members.reserve(count); }
     void append(tm_detail::Name name, tm_detail::Slot slot) {
-        m_members.push_back(Member{std::move(name), std::move(slot)});
+        m_members.emplace_back(std::move(name), std::move(slot));
         m_interned = tm_detail::kUnknown;
     }
     // The catalog that holds every member name of this struct, nested ones included
@@ -131,9 +131,9 @@ protected:
     }
     // Appends a member whose name `catalog` (may be null) has just interned; `valueNames` says
     // where the names of the value's own members are (see tm_detail::interned_in).
-    void append_interned(const tm_detail::Name& name, tm_detail::Slot slot, const Tm_catalog<std::string>* catalog,
+    void append_interned(const tm_detail::Name& name, tm_detail::Slot&& slot, const Tm_catalog<std::string>* catalog,
                          std::uint64_t valueNames) {
-        m_members.push_back(Member{name, std::move(slot)});
+        m_members.emplace_back(name, std::move(slot));
         m_interned =
             tm_detail::meet(m_interned, tm_detail::meet(catalog ? catalog->id() : tm_detail::kUnknown, valueNames));
     }
@@ -142,7 +142,10 @@ private:
     int find_member_from_start(const char* name) const;
     [[noreturn]] static void no_member(const char* name);
     [[noreturn]] static void kind_mismatch(TMV found, TMV wanted);
+    // Made in place in the list (no temporary to move from and destroy).
     struct Member {
+        Member(const tm_detail::Name& n, tm_detail::Slot&& s) : name(n), slot(std::move(s)) {}
+        Member(tm_detail::Name&& n, tm_detail::Slot&& s) : name(std::move(n)), slot(std::move(s)) {}
         tm_detail::Name name;
         tm_detail::Slot slot;
     };
@@ -256,7 +259,7 @@ private:
     static void adopt(Tm_value* v);
     // Appends `slot` named names[index], interned in `catalog` (may be null), for a value
     // whose members' names are where `valueNames` says (see tm_detail::interned_in).
-    void put(int index, tm_detail::Slot slot, Tm_catalog<std::string>* catalog,
+    void put(int index, tm_detail::Slot&& slot, Tm_catalog<std::string>* catalog,
              std::uint64_t valueNames = tm_detail::kNoNames) {
         check(index);
         if (catalog && !m_table->interned(index, *catalog)) intern(index, *catalog);
