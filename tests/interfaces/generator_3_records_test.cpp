@@ -80,11 +80,13 @@ TEST(Generator3Records, EnumsTravelAsTheirNamesOrAsDecimalText) {
     EXPECT_EQ(s->get_member_struct("rate")->get_member_struct("fixed")->get_member_string("rateUnit"), "L2_RATE");
 
     rateListModifier_s list;
-    list.loadUnit = {LoadProfile_1_bll::rateUnit_t::BITS_PER_SECOND, LoadProfile_1_bll::rateUnit_t::L2_RATE};
+    list.loadUnit = {LoadProfile_1_bll::rateUnit_t::BITS_PER_SECOND, LoadProfile_1_bll::rateUnit_t::L2_RATE,
+                     static_cast<LoadProfile_1_bll::rateUnit_t>(99)};
     Message l = ts::holding(list, true);
     const Tm_array* units = l.get_member_struct(TMG_SEND, "record")->get_member_array("loadUnit");
-    ASSERT_EQ(units->get_member_count(), 2);
+    ASSERT_EQ(units->get_member_count(), 3);
     EXPECT_EQ(units->get_member_string(1), "L2_RATE");
+    EXPECT_EQ(units->get_member_string(2), "99");
 
     genUitCfg_s uit;
     uit.tsType = static_cast<tsType_t>(12);
