@@ -158,13 +158,14 @@ auto make_value(const T& v, bool copy, Catalog* catalog) {
     }
 }
 
-// The name of `value` in `map` as the map holds it (so that the text is copied once, into its
-// value), or null when no row names it.
-inline const char* row_name(int value, const tm_enum_map* map) {
+// Hands `put` the text of enum value `value`: the map row's own name, so that the text is
+// copied once (into its value), or for a value without a row tms_enum_to_string's text.
+template <class Put>
+void put_enum_text(int value, const tm_enum_map* map, const Put& put) {
     for (const tm_enum_map* row = map; row && row->name; ++row) {
-        if (row->value == value) return row->name;
+        if (row->value == value) return put(row->name);
     }
-    return nullptr;
+    put(tms_enum_to_string(value, map));
 }
 
 // Writes one field; false when a bounded vector is too long (the struct ends there).
@@ -195,22 +196,12 @@ bool write(const Sink& sink, const T& v, EnumInt<W>, bool, Catalog*) {
 template <class Sink, class T>
 bool write(const Sink& sink, const T& v, EnumString form, bool, Catalog*) {
     if constexpr (std::is_enum_v<T>) {
-        if (const char* name = row_name(static_cast<int>(v), form.map)) {
-            sink.put(name);
-        } else {
-            sink.put(tms_enum_to_string(static_cast<int>(v), form.map));
-        }
+        put_enum_text(static_cast<int>(v), form.map, [&](const auto& text) { sink.put(text); });
     } else {
         static_assert(IsVector<T>::value && std::is_enum_v<typename T::value_type>, "enum_string needs enums");
         auto a = std::make_unique<Tm_array>();
         a->reserve(static_cast<int>(v.size()));
-        for (auto e : v) {
-            if (const char* name = row_name(static_cast<int>(e), form.map)) {
-                a->add_member(name);
-            } else {
-                a->add_member(tms_enum_to_string(static_cast<int>(e), form.map));
-            }
-        }
+        for (auto e : v) put_enum_text(static_cast<int>(e), form.map, [&](const auto& text) { a->add_member(text); });
         sink.own(a.release());
     }
     return true;
