@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "tools/streamgen/BlockFile.h"
-#include "tools/streamgen/Engine.h"
-#include "tools/streamgen/JsonRecord.h"
+#include "traffic/BlockFile.h"
+#include "traffic/BlockModifiers.h"
+#include "traffic/JsonRecord.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    using namespace streamgen;
+    using namespace vrm::traffic;
     BlockInput in;
     try {
         in = parse_block(std::string(reinterpret_cast<const char*>(data), size));

@@ -16,17 +16,17 @@
 #include "common/RangeModifier.h"
 #include "common/StreamBlockModifiers.h"
 #include "python/Convert.h"
-#include "tools/streamgen/BlockFile.h"
-#include "tools/streamgen/Engine.h"
-#include "tools/streamgen/Checksums.h"
-#include "tools/streamgen/PcapOut.h"
+#include "traffic/BlockFile.h"
+#include "traffic/BlockModifiers.h"
+#include "traffic/Checksums.h"
+#include "traffic/PcapOut.h"
 
 namespace vrmpy {
 
 namespace {
 
-using streamgen::BlockInput;
-using streamgen::BlockModifiers;
+using vrm::traffic::BlockInput;
+using vrm::traffic::BlockModifiers;
 using vrm::common::FramePlan;
 using vrm::common::StreamBlockModifiers;
 
@@ -39,7 +39,11 @@ struct Block {
     explicit Block(BlockInput input) : in(std::move(input)), mods(std::make_unique<BlockModifiers>(in)) {}
 
     void require_valid() const {
-        if (!mods->Valid()) throw std::invalid_argument("the block is invalid:\n" + mods->ValidationText());
+        if (!mods->Valid()) {
+            std::string text = "the block is invalid:";
+            for (const auto& line : mods->ValidationLines()) text += "\n" + line;
+            throw std::invalid_argument(text);
+        }
     }
 };
 
@@ -62,7 +66,7 @@ struct Plan {
 
 Plan make_plan(const Block& b) {
     b.require_valid();
-    if (b.in.frame.empty()) throw streamgen::InputError("baseStream.frame.data", "the frame template is empty");
+    if (b.in.frame.empty()) throw vrm::traffic::InputError("baseStream.frame.data", "the frame template is empty");
     b.mods->PlaceFields(b.in);
     return Plan{b.mods->MakePlan(b.in)};
 }
@@ -158,17 +162,17 @@ py::dict write_pcap(const Block& b, const std::string& path, const py::object& c
         count = *b.in.frames;
     }
     const Plan p = make_plan(b);
-    streamgen::PcapSummary s;
-    streamgen::FrameChecksums sums(b.in.frame);
+    vrm::traffic::PcapSummary s;
+    vrm::traffic::FrameChecksums sums(b.in.frame);
     sums.SetChangingBits(b.mods->WrittenBits(b.in));
-    streamgen::PcapOptions options;
+    vrm::traffic::PcapOptions options;
     options.threads = threads;
     options.checksums = checksums ? &sums : nullptr;
-    const streamgen::FrameStamp stamp = [&p](std::uint64_t first, std::size_t n, unsigned char* at,
+    const vrm::traffic::FrameStamp stamp = [&p](std::uint64_t first, std::size_t n, unsigned char* at,
                                              std::size_t stride) { p.plan.Stamp(first, n, at, stride); };
     {
         py::gil_scoped_release release;
-        s = streamgen::write_pcap(path, count, p.plan.FrameLength(), stamp, options);
+        s = vrm::traffic::write_pcap(path, count, p.plan.FrameLength(), stamp, options);
     }
     py::dict d;
     d["frames"] = s.frames;
@@ -181,7 +185,7 @@ std::shared_ptr<Block> from_json(const py::object& source) {
     const py::module_ os = py::module_::import("os");
     if (py::isinstance(source, os.attr("PathLike"))) {
         const py::object path = os.attr("fsdecode")(source);
-        return std::make_shared<Block>(streamgen::load_block(path.cast<std::string>()));
+        return std::make_shared<Block>(vrm::traffic::load_block(path.cast<std::string>()));
     }
     std::string s;
     if (py::isinstance<py::bytes>(source)) {
@@ -191,8 +195,8 @@ std::shared_ptr<Block> from_json(const py::object& source) {
         const std::size_t start = s.find_first_not_of(" \t\r\n");
         if (start == std::string::npos || s[start] != '{') {
             try {
-                return std::make_shared<Block>(streamgen::load_block(s));
-            } catch (const streamgen::InputError&) {
+                return std::make_shared<Block>(vrm::traffic::load_block(s));
+            } catch (const vrm::traffic::InputError&) {
                 throw;
             } catch (const std::runtime_error& e) {
                 // "<file>: <reason>", whether or not the reader names the file itself.
@@ -206,24 +210,17 @@ std::shared_ptr<Block> from_json(const py::object& source) {
         throw py::type_error("expected JSON text, a path or bytes, got a " +
                              std::string(py::str(py::type::handle_of(source).attr("__name__"))));
     }
-    return std::make_shared<Block>(streamgen::parse_block(s));
+    return std::make_shared<Block>(vrm::traffic::parse_block(s));
 }
 
 std::shared_ptr<Block> from_dict(const py::handle& d) {
     const Json j = to_json(d, "");
-    return std::make_shared<Block>(streamgen::parse_block(j.dump(-1, ' ', false, Json::error_handler_t::replace)));
+    return std::make_shared<Block>(vrm::traffic::parse_block(j.dump(-1, ' ', false, Json::error_handler_t::replace)));
 }
 
 py::list validation_lines(const Block& b) {
     py::list out;
-    const std::string& t = b.mods->ValidationText();
-    std::size_t start = 0;
-    while (start < t.size()) {
-        std::size_t end = t.find('\n', start);
-        if (end == std::string::npos) end = t.size();
-        if (end > start) out.append(text(t.substr(start, end - start)));
-        start = end + 1;
-    }
+    for (const auto& line : b.mods->ValidationLines()) out.append(text(line));
     return out;
 }
 

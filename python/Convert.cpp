@@ -10,7 +10,7 @@ namespace {
 constexpr int kMaxDepth = 64;
 
 Json convert(py::handle value, const std::string& path, int depth) {
-    if (depth > kMaxDepth) throw streamgen::InputError(path, "nested deeper than " + std::to_string(kMaxDepth));
+    if (depth > kMaxDepth) throw vrm::traffic::InputError(path, "nested deeper than " + std::to_string(kMaxDepth));
     PyObject* o = value.ptr();
     if (o == Py_None) return Json(nullptr);
     if (PyBool_Check(o)) return Json(o == Py_True);
@@ -26,7 +26,7 @@ Json convert(py::handle value, const std::string& path, int depth) {
             if (!PyErr_Occurred()) return Json(static_cast<std::uint64_t>(u));
             PyErr_Clear();
         }
-        throw streamgen::InputError(path, "integer out of range (more than 64 bits)");
+        throw vrm::traffic::InputError(path, "integer out of range (more than 64 bits)");
     }
     if (PyFloat_Check(o)) return Json(PyFloat_AS_DOUBLE(o));
     if (PyUnicode_Check(o)) {
@@ -37,16 +37,16 @@ Json convert(py::handle value, const std::string& path, int depth) {
     if (PyBytes_Check(o) || PyByteArray_Check(o) || PyMemoryView_Check(o)) {
         py::buffer_info info = py::reinterpret_borrow<py::buffer>(value).request();
         if (info.ndim > 1 || (info.ndim == 1 && info.strides[0] != 1) || info.itemsize != 1)
-            throw streamgen::InputError(path, "expected contiguous bytes");
-        return Json(streamgen::to_hex(static_cast<const std::uint8_t*>(info.ptr), static_cast<std::size_t>(info.size)));
+            throw vrm::traffic::InputError(path, "expected contiguous bytes");
+        return Json(vrm::traffic::to_hex(static_cast<const std::uint8_t*>(info.ptr), static_cast<std::size_t>(info.size)));
     }
     if (PyDict_Check(o)) {
         Json out = Json::object();
         for (auto item : py::reinterpret_borrow<py::dict>(value)) {
             if (!PyUnicode_Check(item.first.ptr()))
-                throw streamgen::InputError(path, "keys must be strings, got " + std::string(py::str(py::type::handle_of(item.first).attr("__name__"))));
+                throw vrm::traffic::InputError(path, "keys must be strings, got " + std::string(py::str(py::type::handle_of(item.first).attr("__name__"))));
             const std::string key = item.first.cast<std::string>();
-            out[key] = convert(item.second, streamgen::member_path(path, key), depth + 1);
+            out[key] = convert(item.second, vrm::traffic::member_path(path, key), depth + 1);
         }
         return out;
     }
@@ -54,7 +54,7 @@ Json convert(py::handle value, const std::string& path, int depth) {
         Json out = Json::array();
         std::size_t i = 0;
         for (auto item : py::reinterpret_borrow<py::sequence>(value)) {
-            out.push_back(convert(item, streamgen::element_path(path, i), depth + 1));
+            out.push_back(convert(item, vrm::traffic::element_path(path, i), depth + 1));
             ++i;
         }
         return out;

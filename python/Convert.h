@@ -18,15 +18,15 @@
 #include "binding/Choice.h"
 #include "binding/Describe.h"
 #include "binding/Method.h"
-#include "tools/streamgen/JsonRecord.h"
+#include "traffic/JsonRecord.h"
 
 namespace vrmpy {
 
 namespace py = pybind11;
-using streamgen::Json;
+using vrm::traffic::Json;
 
 // `value` as JSON in the block format; `path` names it in errors. Throws
-// streamgen::InputError for values nested too deeply or integers beyond 64 bits, and
+// vrm::traffic::InputError for values nested too deeply or integers beyond 64 bits, and
 // py::type_error for objects with no JSON form.
 Json to_json(py::handle value, const std::string& path);
 
@@ -41,9 +41,9 @@ py::str enum_name(const tm_enum_map* map, int value);
 template <class T, class Form>
 void read_value(const Json& j, const std::string& path, T& out, Form form) {
     if constexpr (std::is_same_v<Form, binding::Copied>) {
-        streamgen::read_form(j, path, out, binding::Natural{});
+        vrm::traffic::read_form(j, path, out, binding::Natural{});
     } else {
-        streamgen::read_form(j, path, out, form);
+        vrm::traffic::read_form(j, path, out, form);
     }
 }
 
@@ -116,7 +116,7 @@ py::object to_py(const T& v) {
 template <class R>
 R record_from_py(py::handle value, const std::string& path) {
     R rec{};
-    streamgen::read_json(to_json(value, path), path, rec);
+    vrm::traffic::read_json(to_json(value, path), path, rec);
     return rec;
 }
 

@@ -136,9 +136,23 @@ class PyBuilder final : public Tm_visitor {
     std::string m_name;
 };
 
+// A request of a known method: its members as records (byte values as bytes, enums by
+// name), which request() and Block.from_dict take back. Anything else: the message's tree.
 py::dict decode_to_py(const py::buffer& data) {
     const Message m = decoded(data);
     py::dict d = PyBuilder::header(m);
+    const std::string name = m.get_request_name();
+    const std::size_t dot = name.find('.');
+    if (m.get_msg_type() == TMT_REQUEST && dot != std::string::npos) {
+        const auto module = registry().find(name.substr(0, dot));
+        if (module != registry().end()) {
+            const auto method = module->second.find(name.substr(dot + 1));
+            if (method != module->second.end()) {
+                d["members"] = method->second.parseRequest(m);
+                return d;
+            }
+        }
+    }
     d["members"] = PyBuilder::group(m, Message::TMG_RECV);
     return d;
 }
@@ -191,8 +205,10 @@ void bind_messages(py::module_& m) {
         "Raises MessageError for malformed bytes, a request, or members of the wrong kind.");
     m.def("decode", &decode_to_py, py::arg("data"),
           "Decodes a message's wire bytes: {'kind': 'request'|'response', 'name': ..., 'members':\n"
-          "{...}} with structs as dicts, arrays as lists and binary values as bytes. Raises\n"
-          "MessageError for malformed bytes.");
+          "{...}}. A request of a known method has its members as records, in the forms request()\n"
+          "and Block.from_dict take (byte values as bytes, enums by name), so a decoded\n"
+          "SetStreamBlock request is a block again; any other message its tree: structs as dicts,\n"
+          "arrays as lists, binary values as bytes. Raises MessageError for malformed bytes.");
     m.def(
         "modules",
         [] {

@@ -25,6 +25,8 @@ struct MethodOps {
     std::function<py::bytes(const py::dict&)> response;
     // The members of a decoded response, as Python values.
     std::function<py::dict(const Message&)> parseResponse;
+    // The members of a decoded request of this method as Python values.
+    std::function<py::dict(const Message&)> parseRequest;
 };
 
 // Methods by name, per module.
@@ -142,6 +144,13 @@ MethodOps ops_of(const D& d) {
         using Members = std::decay_t<decltype(ms)>;
         auto values = read_members(ms, py::dict{});
         std::apply([&](auto&... v) { binding::parse_response(&m, d, v...); }, values);
+        return members_to_py(ms, values, std::make_index_sequence<std::tuple_size_v<Members>>{});
+    };
+    ops.parseRequest = [&d](const Message& m) {
+        const auto& ms = request_of(d);
+        using Members = std::decay_t<decltype(ms)>;
+        auto values = read_members(ms, py::dict{});
+        std::apply([&](auto&... v) { binding::parse_request(&m, d, v...); }, values);
         return members_to_py(ms, values, std::make_index_sequence<std::tuple_size_v<Members>>{});
     };
     return ops;

@@ -10,8 +10,8 @@
 #include "platform/Tm_exception.h"
 #include "python/Blocks.h"
 #include "python/Messages.h"
-#include "tools/streamgen/Engine.h"
-#include "tools/streamgen/JsonRecord.h"
+#include "traffic/BlockModifiers.h"
+#include "traffic/JsonRecord.h"
 
 namespace py = pybind11;
 
@@ -31,9 +31,9 @@ PYBIND11_MODULE(vrm, m) {
     py::register_exception_translator([](std::exception_ptr p) {
         try {
             if (p) std::rethrow_exception(p);
-        } catch (const streamgen::InputError& e) {
+        } catch (const vrm::traffic::InputError& e) {
             PyErr_SetString(PyExc_ValueError, e.line().c_str());
-        } catch (const streamgen::BuildError& e) {
+        } catch (const vrm::traffic::BuildError& e) {
             PyErr_SetString(PyExc_ValueError, e.what());
         } catch (const Tm_exception& e) {
             PyErr_SetString(messageError, e.what());

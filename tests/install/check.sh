@@ -36,8 +36,16 @@ clang++ -std=c++20 "$here/consumer.cpp" $cflags $(pkg-config --libs vrm) -Wl,-rp
 echo "streamgen from the prefix"
 "$prefix/bin/streamgen" validate "$here/../../examples/ipv4-udp.json"
 
+echo "Python module from the prefix"
+module=$(find "$prefix" -name 'vrm*.so' -path '*dist-packages*' | head -1)
+if [ -n "$module" ]; then
+    PYTHONPATH=$(dirname "$module") python3 -c 'import vrm; vrm.Block.from_json("'"$here"'/../../examples/ipv4-udp.json").plan()'
+else
+    echo "  (not built)"
+fi
+
 echo "exports"
-for lib in "$libdir"/libvrm.so "$libdir"/libtmplatform.so; do
+for lib in "$libdir"/libvrm.so "$libdir"/libtmplatform.so "$libdir"/libvrmtraffic.so; do
     # Mangled names in namespace std or __gnu_cxx, their type information and tables.
     if nm -D --defined-only "$lib" | awk '{print $3}' | grep -E '^_Z(T[ISV])?(NK?)?(St|9__gnu_cxx)' | c++filt; then
         echo "$lib exports standard library instances" >&2

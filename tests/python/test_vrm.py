@@ -192,6 +192,43 @@ class Messages(unittest.TestCase):
         self.assertEqual(decoded, {"kind": "request", "name": "Generator_3.ControlArray",
                                    "members": {"action": "STOP", "blockId": [3, 4]}})
 
+    def test_decoded_set_stream_block_is_a_block_again(self):
+        for path in VALID:
+            with self.subTest(example=os.path.basename(path)):
+                block = vrm.Block.from_json(path)
+                data = vrm.request("Generator_3", "SetStreamBlock", blocks=[block.to_dict()])
+                decoded = vrm.decode(data)
+                self.assertIsInstance(decoded["members"]["blocks"][0]["baseStream"]["frame"]["data"], str)
+                again = vrm.Block.from_dict(decoded)
+                self.assertTrue(again.valid)
+                self.assertEqual(vrm.request("Generator_3", "SetStreamBlock", **decoded["members"]), data)
+                self.assertEqual(vrm.request("Generator_3", "SetStreamBlock", blocks=[again.to_dict()]), data)
+                # The command line's document is the same one.
+                doc = json.loads(streamgen("request", path, "--json").stdout)
+                self.assertEqual(vrm.Block.from_dict(doc).to_dict(), again.to_dict())
+
+    def test_cycles_beyond_32_bits_wrap_as_stepping_does(self):
+        # Two linked modifiers of 100,000 values: the parent's cycle of 10^10 frames wraps to
+        # 10^10 mod 2^32 in the engine's counts, so the parent restarts after that many frames.
+        block = json.load(open(IPV4))
+        for m in block["rangeModifiers"]:
+            m.update(initialValue="00000000", stepValue="00000001", mask="ffffffff", recycleCount=100000,
+                     mode="INCREMENT")
+        block["rangeModifiers"][1].update(initialValue="0000", stepValue="0001", mask="ffff")
+        b = vrm.Block.from_dict(block)
+        plan = b.plan()
+        wrapped = 10**10 % 2**32
+        self.assertEqual(plan.cycle_length, wrapped * 100000 // 32)  # lcm(wrapped, 100000)
+        source = slice(26, 30)  # the parent's field, the IPv4 source
+        for k in (0, 1, 99999, 100000, 123456):
+            self.assertEqual(plan.frame(wrapped + k)[source], plan.frame(k)[source])
+            self.assertEqual(b.values(wrapped + k)[1], b.values(k)[1])
+        self.assertEqual(plan.frame(wrapped - 1)[source], ((wrapped - 1) // 100000).to_bytes(4, "big"))
+        warned = subprocess.run([STREAMGEN, "validate", "-"], input=json.dumps(block), check=True,
+                                capture_output=True, text=True).stderr
+        self.assertIn("rangeModifiers[0]: its cycle of 10000000000 frames", warned)
+        self.assertIn("restarts after %d frames" % wrapped, warned)
+
 
 class Errors(unittest.TestCase):
     def test_library_errors_map_to_python_exceptions(self):

@@ -75,7 +75,12 @@ case_validate() {
     printf '{"rangeModifiers": [{"modIndex": 1, %s}, {"modIndex": 1, %s}]}\n' "$m" "$m" >twice.json
     run 1 validate twice.json && has out.txt "Modifier modIndex 1 is used by more than one modifier."
     printf '{"rangeModifiers": [{"modIndex": 1, %s}], "modLinks": [{"modIndex": 1, "childModIndex": [5]}]}\n' "$m" >link.json
-    run 1 validate link.json && has out.txt "Modifier link from modIndex 1 to modIndex 5 refers to an unknown modIndex."
+    run 1 validate link.json && has out.txt "modLinks[0].childModIndex[0]: Modifier link from modIndex 1 to modIndex 5 refers to an unknown modIndex."
+    run 1 validate twice.json && has out.txt "rangeModifiers[1]: Modifier modIndex 1 is used by more than one modifier."
+    # The library's lines keep their text and gain the path and the sizes they are about.
+    has "$EX/invalid.json" '"stepValue": "0001"'
+    run 1 validate "$EX/invalid.json" &&
+        has out.txt "rangeModifiers[0]: Modifier ipv4.src initial, step and mask value do not match. (initialValue has 4 bytes, stepValue 2, mask 4)"
     printf '{"tableModifiers": [{"modIndex": 1, "data": []}]}\n' >emptytable.json
     run 1 validate emptytable.json && has err.txt "emptytable.json: tableModifiers[0]: "
     has err.txt "data array is empty"
@@ -84,7 +89,7 @@ case_validate() {
     local cmd
     for cmd in values request "frames -o invalid.pcap"; do
         # shellcheck disable=SC2086
-        run 1 $cmd "$EX/invalid.json" && has err.txt "invalid.json: the block is invalid: Modifier ipv4.dst data size is not consistent."
+        run 1 $cmd "$EX/invalid.json" && has err.txt "invalid.json: the block is invalid: tableModifiers[0].data[1]: Modifier ipv4.dst data size is not consistent. (data[1] has 3 bytes, data[0] 4)"
         [ "$(grep -c '^streamgen: .*invalid.json: the block is invalid: ' err.txt)" -eq "$(wc -l <err.txt)" ] ||
             fail "$cmd: not one message per line: $(cat err.txt)"
     done
@@ -105,6 +110,25 @@ case_values_agree() {
     [ "$(head -1 out.txt | cut -d' ' -f1-2)" = "0 c0000201" ] || fail "ipv4-udp first line: $(head -1 out.txt)"
     run 0 values "$EX/vlan-table.json" --count 4
     [ "$(tr '\n' ' ' <out.txt)" = "0 0064 1 0064 2 00c8 3 00c8 " ] || fail "vlan-table lines: $(cat out.txt)"
+    # The frame's bytes: a mask that leaves bits alone keeps the template's there (f389 with
+    # mask 0fff and initial value 2001 gives f001); --raw shows the modifier's own value.
+    sed -e 's/0400 1389/0400 f389/' -e 's/"offsetReference": "udp.sport"/"offsetReference": "udp.dport"/' \
+        -e 's/"initialValue": "0400"/"initialValue": "2001"/' -e 's/"mode": "RANDOM"/"mode": "INCREMENT"/' \
+        -e 's/"field": "udp.sport"/"field": "udp.dport"/' "$EX/ipv4-udp.json" >mask.json
+    run 0 values mask.json --count 2 && [ "$(tr '\n' ' ' <out.txt)" = "0 c0000201 f001 1 c0000201 f002 " ] ||
+        fail "values of a masked field: $(cat out.txt)"
+    run 0 values mask.json --count 2 --raw && [ "$(tr '\n' ' ' <out.txt)" = "0 c0000201 2001 1 c0000201 2002 " ] ||
+        fail "values --raw: $(cat out.txt)"
+    run 0 values mask.json --count 2 --start 1 --at && [ "$(cut -d' ' -f3 out.txt | tr '\n' ' ')" = "f002 f003 " ] ||
+        fail "values --at of a masked field: $(cat out.txt)"
+    # A value that stays for 2^32 frames in a carry chain: stepping, frames and validation
+    # take it; values by index are refused with the modifier's path.
+    sed 's/"stutterCount": 0,/"stutterCount": 4294967295,/' "$EX/ipv4-udp.json" >stutter.json
+    run 0 validate stutter.json && has err.txt "restarts after 4294967296 frames"
+    run 0 frames stutter.json -o stutter.pcap --count 10
+    run 0 values stutter.json --count 3 && [ "$(cut -d' ' -f3 out.txt | tr '\n' ' ')" = "0400 0400 0400 " ] ||
+        fail "values with a 2^32-frame stutter: $(cat out.txt)"
+    run 2 values stutter.json --count 3 --at && has err.txt "stutter.json: rangeModifiers[0]: the library has no values by index"
     # Without --count: host.frames of the example.
     run 0 values "$EX/vlan-table.json" && [ "$(wc -l <out.txt)" -eq 20 ] || fail "vlan-table default count"
 }
@@ -204,6 +228,10 @@ case_outputs() {
         # shellcheck disable=SC2086
         "$SG" $args >/dev/full 2>err.txt && fail "streamgen $args >/dev/full exited 0"
     done
+    # A closed pipe ends the run as SIGPIPE does: status 141 in the shell.
+    "$SG" frames "$ex" -o - --count 100000 2>/dev/null | head -c 100 >/dev/null
+    local piped=${PIPESTATUS[0]}
+    [ "$piped" -eq 141 ] || fail "frames into a closed pipe: status $piped, expected 141"
     # Standard input and output: the same capture as through files, nothing else on stdout.
     "$SG" frames - -o - --count 50 <"$ex" >stdout.pcap 2>err.txt || fail "frames - -o - failed"
     cmp -s ref.pcap stdout.pcap || fail "frames to standard output differ from the file"
@@ -243,6 +271,15 @@ case_request_decode() {
         has dec.json "returnIndex"
     done
     has dec.json "tableModifiers"
+    # One shape: request --json prints what decode prints, and that document is a block file
+    # again that encodes to the same bytes.
+    for ex in "${GOOD_EXAMPLES[@]}"; do
+        run 0 request "$EX/$ex.json" -o req.bin && run 0 decode req.bin && cp out.txt dec.json
+        run 0 request "$EX/$ex.json" --json && { cmp -s out.txt dec.json || fail "$ex: request --json differs from decode"; }
+        has dec.json '"members": {'
+        run 0 request dec.json -o again.bin && { cmp -s req.bin again.bin || fail "$ex: the decoded request encodes to other bytes"; }
+        run 0 validate dec.json && has out.txt "valid:"
+    done
     run 2 request "$EX/ipv4-udp.json" --json -o x.bin
     # Malformed wire bytes: the runtime's message, status 2.
     printf 'XX' >bad.bin
@@ -260,6 +297,11 @@ case_describe() {
     has out.txt "Generator_3.SetStreamBlock (request)"
     has out.txt "  blocks: array"
     has out.txt "  returnIndex: bool"
+    # Every member of the records, nested, with enum names.
+    has out.txt "  blocks: array of struct"
+    has out.txt "        lengthCfg: struct"
+    has out.txt "          mode: enum (MIN, FIXED, INCR, DECR, IMIX, RANDOM, AUTO, MAX)"
+    has out.txt "      initialValue: hex bytes (1 to 16)"
     run 0 describe GetStreamBlockRange && has out.txt "  startBlockID: uint32"
     run 2 describe NoSuchMethod && has err.txt "NoSuchMethod"
 }
@@ -301,8 +343,10 @@ BAD_INPUT=(
 # Blocks that only placing the fields or stamping refuses; validate refuses them as frames
 # does: the document's body, then the start of the message.
 FRAME_ONLY=(
-    '"rangeModifiers": [{"modIndex": 1, "offset": 100, RANGE}]|rangeModifiers[0].offset: the library refuses the field'
-    '"rangeModifiers": [{"modIndex": 1, "offset": 1, RANGE}], "host": {"modifiers": [{"modIndex": 1, "bitOffset": 0, "bitLength": 16}]}|host.modifiers[0]: the library refuses the field'
+    '"rangeModifiers": [{"modIndex": 1, "offset": 100, RANGE}]|rangeModifiers[0]: modifier (modIndex 1): its 2-byte value at offset 100 ends at byte 102, past the end of the 18-byte frame'
+    '"rangeModifiers": [{"modIndex": 1, "offset": 5, "offsetReference": "eth.src", RANGE}]|rangeModifiers[0].offset: offset 5 puts the 2-byte value beyond its field eth.src, which has 48 bits'
+    '"rangeModifiers": [{"modIndex": 1, "offset": 1, RANGE}], "host": {"modifiers": [{"modIndex": 1, "bitOffset": 0, "bitLength": 16}]}|rangeModifiers[0].offset: offset 1 puts the 2-byte value beyond its field bits 0..15, which has 16 bits'
+    '"rangeModifiers": [{"modIndex": 1, "offsetReference": "ipv6.src", RANGE}]|rangeModifiers[0].offsetReference: field ipv6.src does not resolve: the frame template ends inside the IPv4 header'
     '"rangeModifiers": [{"modIndex": 1, RANGE}], "baseStream": {"frame": {"data": ""}}|baseStream.frame.data: the frame template is empty'
     '"rangeModifiers": [{"modIndex": 1, RANGE}], "baseStream": {"frame": {"data": "LONG"}}|baseStream.frame.data: the frame template has 262145 bytes; pcap readers accept at most 262144'
 )
@@ -310,7 +354,11 @@ FRAME_ONLY=(
 WARNINGS=(
     '"rangeModifiers": [{"modIndex": 1, "offsetReference": "eth.src", RANGE}, {"modIndex": 2, "offsetReference": "eth.src", RANGE}]|rangeModifiers[0]: writes the same bits as rangeModifiers[1] (frame bytes 6..7)'
     '"rangeModifiers": [{"modIndex": 1, "offsetReference": "somewhere", RANGE}]|rangeModifiers[0]: no field given'
-    '"rangeModifiers": [{"modIndex": 1, "offsetReference": "eth.src", "initialValue": "0f", "stepValue": "01", "mask": "f0", "recycleCount": 16, "useStream": true}]|rangeModifiers[0]: stepping carries into bits outside the mask'
+    '"rangeModifiers": [{"modIndex": 1, "offsetReference": "eth.src", "initialValue": "0f", "stepValue": "01", "mask": "f0", "recycleCount": 16, "useStream": true}]|rangeModifiers[0]: stepping carries into bits outside the mask (see initialValue and mask): frame 1 gets 10, where values --at shows 00'
+    '"rangeModifiers": [{"modIndex": 1, "offsetReference": "eth.src", "initialValue": "0000", "stepValue": "0001", "mask": "ffff", "mode": "RANDOM", "useStream": true}]|rangeModifiers[0]: RANDOM with a seed (initialValue) of 0: the register stays 0'
+    '"rangeModifiers": [{"modIndex": 1, "offsetReference": "eth.src", "initialValue": "f001", "stepValue": "0001", "mask": "0fff", "mode": "RANDOM", "useStream": true}]|rangeModifiers[0]: the RANDOM seed (initialValue) has bits outside the mask'
+    '"tableModifiers": [{"modIndex": 1, "offsetReference": "eth.src", "data": ["0f", "1f"], "useStream": true}], "host": {"modifiers": [{"modIndex": 1, "bitOffset": 4, "bitLength": 4}]}|tableModifiers[0].data[1]: 1f has more significant bits than the 4 bits'
+    '"rangeModifiers": [{"modIndex": 1, "offsetReference": "eth.src", "initialValue": "01", "stepValue": "01", "mask": "ff", "recycleCount": 16, "stutterCount": 4294967295, "useStream": true}]|rangeModifiers[0]: its cycle of 68719476736 frames ((stutterCount + 1) x recycleCount) does not fit the engine'"'"'s 32-bit frame counts, so it restarts after 4294967296 frames'
 )
 
 case_bad_input() {
@@ -357,7 +405,16 @@ case_bad_input() {
         printf '{%s, %s}\n' "$frame" "${body//RANGE/$range}" >warn.json
         run 0 validate warn.json && has err.txt "warn.json: warning: $want"
     done
-    run 0 validate "$EX/ipv4-udp.json" && [ ! -s err.txt ] || fail "warnings for ipv4-udp: $(cat err.txt)"
+    # Length fields that disagree with the frame: warned about, and the summary of frames
+    # names only the checksums it writes.
+    sed 's/4500002e/45000030/' "$EX/ipv4-udp.json" >iplen.json
+    run 0 validate iplen.json && has err.txt "iplen.json: warning: baseStream.frame.data: the IPv4 total length is 48 but the frame holds 46 bytes from the IPv4 header on"
+    sed 's/0400 1389 001a/0400 1389 0020/' "$EX/ipv4-udp.json" >udplen.json
+    run 0 validate udplen.json && has err.txt "baseStream.frame.data: the UDP length is 32 but the IP payload holds 26 bytes"
+    run 0 frames udplen.json -o udplen.pcap && has err.txt "checksums IPv4 header ->"
+    for ex in "${GOOD_EXAMPLES[@]}"; do
+        run 0 validate "$EX/$ex.json" && [ ! -s err.txt ] || fail "warnings for $ex: $(cat err.txt)"
+    done
 }
 
 case_tshark() {

@@ -5,6 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/Message.h"
+#include "traffic/JsonRecord.h"
+
 namespace streamgen {
 
 // The methods' names, in the module's catalogue order.
@@ -14,5 +17,10 @@ std::vector<std::string> method_names();
 // line per member ("  name: kind"), nested struct members indented further. False when
 // there is no such method.
 bool describe_method(const std::string& method, std::ostream& out);
+
+// A decoded request of a known method as a document of records in the block file's forms:
+// {"kind": "request", "name": "Generator_3.<Method>", "members": {...}}. False for any other
+// message; throws what the method's parser throws for members of the wrong kind.
+bool request_document(const Message& decoded, vrm::traffic::Json& out);
 
 }  // namespace streamgen

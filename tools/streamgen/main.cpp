@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <chrono>
 #include <cstring>
 #include <cstdint>
@@ -27,18 +28,20 @@
 #include "platform/Tm_codec.h"
 #include "platform/Tm_exception.h"
 #include "platform/Tm_json.h"
-#include "tools/streamgen/BlockFile.h"
+#include "traffic/BlockFile.h"
 #include "tools/streamgen/Catalogue.h"
-#include "tools/streamgen/Checksums.h"
-#include "tools/streamgen/Engine.h"
-#include "tools/streamgen/FrameFields.h"
-#include "tools/streamgen/JsonRecord.h"
-#include "tools/streamgen/OutputFile.h"
-#include "tools/streamgen/PcapOut.h"
+#include "tools/streamgen/Signals.h"
+#include "traffic/Checksums.h"
+#include "traffic/BlockModifiers.h"
+#include "traffic/FrameFields.h"
+#include "traffic/JsonRecord.h"
+#include "traffic/OutputFile.h"
+#include "traffic/PcapOut.h"
 
 namespace {
 
 using namespace streamgen;
+using namespace vrm::traffic;
 
 constexpr int kOk = 0;
 constexpr int kInvalid = 1;
@@ -59,9 +62,9 @@ struct Exit {
     std::string message;
 };
 
-// An invalid block: the library's validation lines.
+// An invalid block: the library's validation lines, each with its JSON path.
 struct Invalid {
-    std::string lines;
+    std::vector<std::string> lines;
 };
 
 // Prints a warning line to standard error.
@@ -73,7 +76,7 @@ void warn(const std::string& file, const std::string& text) {
 // library's lines (on standard error: standard output is the command's own).
 std::unique_ptr<BlockModifiers> build_valid(const BlockInput& in) {
     auto mods = std::make_unique<BlockModifiers>(in);
-    if (!mods->Valid()) throw Invalid{mods->ValidationText()};
+    if (!mods->Valid()) throw Invalid{mods->ValidationLines()};
     return mods;
 }
 
@@ -99,7 +102,7 @@ vrm::common::FramePlan checked_plan(const BlockInput& in, BlockModifiers& mods,
 
 int cmd_validate(const std::string& file, const BlockInput& in) {
     BlockModifiers mods(in);
-    std::cout << mods.ValidationText();
+    for (const auto& line : mods.ValidationLines()) std::cout << line << '\n';
     if (!mods.Valid()) return kInvalid;
     std::vector<std::string> warnings;
     checked_plan(in, mods, &warnings);
@@ -112,33 +115,61 @@ int cmd_validate(const std::string& file, const BlockInput& in) {
     return kOk;
 }
 
-// --- values ------------------------------------------------------------------------------------
+// --- values ----------------------------------------------------------------------------------
 
-int cmd_values(const BlockInput& in, uint64_t count, uint64_t start, bool at) {
+// One line per frame: the index, then per modifier (modIndex order) the frame bytes it writes
+// bits of, as the frame holds them (the template's bits in the window included), or with
+// `raw` the modifier's own value. Frames come from the frame plan (the stepping path, from
+// any start); with `at` each value is the library's value by index instead.
+int cmd_values(const std::string& file, const BlockInput& in, uint64_t count, uint64_t start, bool at, bool raw) {
     if (start >= kIndexLimit || count > kIndexLimit - start) {
         throw InputError("--start/--count", "frame indexes go from 0 to " + std::to_string(kIndexLimit - 1) +
                                                  "; --start " + std::to_string(start) + " --count " +
                                                  std::to_string(count) + " goes beyond");
     }
     auto mods = build_valid(in);
-    // From frame 0 the lines are computed by stepping; elsewhere, and with --at, by index.
-    const bool byIndex = at || start > 0;
+    const bool landed = !raw && !in.frame.empty();
+    vrm::common::FramePlan plan;
+    if (landed) {
+        std::vector<std::string> warnings;
+        plan = checked_plan(in, *mods, &warnings);
+        for (const auto& w : warnings) warn(file, w);
+    }
+    const bool byIndex = at || (!landed && start > 0);
     std::string line;
     std::vector<uint8_t> value;
+    std::vector<uint8_t> frame;
+    if (!landed && !byIndex) {
+        for (uint64_t i = 0; i < start; ++i) mods->Next();
+    }
     for (uint64_t i = start; i < start + count; ++i) {
         line = std::to_string(i);
+        if (landed) {
+            if (at) {
+                frame = in.frame;
+                mods->ModifyAt(frame, static_cast<uint32_t>(i));
+            } else {
+                frame.resize(plan.FrameLength());
+                plan.Stamp(i, 1, frame.data(), frame.size());
+            }
+        }
         for (std::size_t m = 0; m < mods->Size(); ++m) {
+            line += ' ';
+            if (landed) {
+                const BlockModifiers::Window w = mods->WindowOf(m);
+                line += w.size == 0 ? std::string("-") : to_hex(frame.data() + w.offset, w.size);
+                continue;
+            }
             if (byIndex) {
                 mods->ValueAt(m, value, static_cast<uint32_t>(i));
             } else {
                 mods->Value(m, value);
             }
-            line += ' ';
             line += to_hex(value);
         }
         line += '\n';
         if (std::fwrite(line.data(), 1, line.size(), stdout) != line.size()) return kInvalid;
-        if (!byIndex) mods->Next();
+        if (!landed && !byIndex) mods->Next();
     }
     return kOk;
 }
@@ -164,6 +195,7 @@ int cmd_frames(const std::string& file, const BlockInput& in, const std::string&
     auto mods = build_valid(in);
     std::vector<std::string> warnings;
     const vrm::common::FramePlan plan = checked_plan(in, *mods, &warnings);
+    for (const auto& w : mods->Warnings(in)) warnings.push_back(w);
     for (const auto& w : warnings) warn(file, w);
     FrameChecksums sums(in.frame);
     sums.SetChangingBits(mods->WrittenBits(in));
@@ -173,6 +205,7 @@ int cmd_frames(const std::string& file, const BlockInput& in, const std::string&
     bool drawn = false;
     PcapOptions options;
     options.threads = threads;
+    options.watcher = signal_watcher();
     options.checksums = checksums ? &sums : nullptr;
     options.progress = [&](uint64_t done) {
         const double elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
@@ -212,13 +245,18 @@ int cmd_request(const std::string& file, const BlockInput& in, const std::string
     const std::vector<Generator_3_bll::streamBlock_s> blocks{mods->ToRpc(in.block)};
     Message m;
     Generator_3_bll::create_req_SetStreamBlock(&m, blocks, false, true);
+    const std::vector<unsigned char> bytes = tmsg::encode(m);
     if (out.empty()) {
-        std::cout << tmsg::to_json(m, 2) << '\n';
+        // The records as decode prints them (and as a block file takes them back).
+        Message decoded;
+        tmsg::decode(bytes, decoded);
+        Json doc;
+        request_document(decoded, doc);
+        std::cout << doc.dump(2) << '\n';
         return kOk;
     }
-    const std::vector<unsigned char> bytes = tmsg::encode(m);
     try {
-        OutputFile f(out);
+        OutputFile f(out, signal_watcher());
         f.Write(bytes.data(), bytes.size());
         f.Commit();
     } catch (const std::runtime_error& e) {
@@ -243,6 +281,15 @@ int cmd_decode(const std::string& file) {
     Message m;
     try {
         tmsg::decode(bytes, m);
+    } catch (const std::exception& e) {
+        throw Exit{kBadInput, file + ": " + e.what()};
+    }
+    Json doc;
+    try {
+        if (request_document(m, doc)) {
+            std::cout << doc.dump(2) << '\n';
+            return kOk;
+        }
     } catch (const std::exception& e) {
         throw Exit{kBadInput, file + ": " + e.what()};
     }
@@ -284,6 +331,9 @@ int finish(int status) {
 }
 
 int main(int argc, char** argv) {
+    // A closed pipe ends the program as it ends other filters (status 141 in the shell), even
+    // when the parent left SIGPIPE ignored.
+    std::signal(SIGPIPE, SIG_DFL);
     CLI::App app{
         "streamgen: check a stream block described in JSON, see the values its modifiers take, "
         "write its frames to a pcap file and see the request the library builds for it.\n"
@@ -301,7 +351,7 @@ int main(int argc, char** argv) {
     std::string file, out, method, checksums = "recompute";
     uint64_t count = 0, start = 0;
     unsigned threads = 1;
-    bool at = false, json = false;
+    bool at = false, json = false, raw = false;
 
     auto* validate = app.add_subcommand(
         "validate", "Run every check of frames short of writing: the library's lines, fields, warnings");
@@ -312,14 +362,21 @@ int main(int argc, char** argv) {
         "Exit status 0 valid, 1 invalid, 2 bad input.\nExample: streamgen validate examples/invalid.json");
 
     auto* values = app.add_subcommand(
-        "values", "One line per frame: the index, then each modifier's value in hex (modIndex order)");
+        "values",
+        "One line per frame: the index, then the frame bytes each modifier writes, in hex, as the frame holds "
+        "them (modIndex order)");
     values->add_option("BLOCK", file, "Stream block JSON file (- for standard input)")->required();
     auto* valuesCount = values->add_option("--count", count, "Frames (default: host.frames, else 16)")
                             ->check(kNotNegative);
-    values->add_option("--start", start, "First frame index (default 0); the values there are found by index")
-        ->check(kNotNegative);
-    values->add_flag("--at", at, "Compute each line by index (GetValueAt) instead of stepping from frame 0");
-    values->footer("Example: streamgen values examples/ipv4-udp.json --count 8 --start 250 --at");
+    values->add_option("--start", start, "First frame index (default 0)")->check(kNotNegative);
+    values->add_flag("--at", at, "Take each value by index (GetValueAt) instead of stepping from frame 0");
+    values->add_flag("--raw", raw,
+                     "Print each modifier's own value (its fixed bits from initialValue) instead of the frame's "
+                     "bytes");
+    values->footer(
+        "The frame's bytes include the template's bits that a modifier's mask leaves alone; a block without a "
+        "frame template prints the modifiers' own values.\n"
+        "Example: streamgen values examples/ipv4-udp.json --count 8 --start 250");
 
     auto* frames = app.add_subcommand("frames", "Write the frames to a pcap capture (Ethernet)");
     frames->add_option("BLOCK", file, "Stream block JSON file (- for standard input)")->required();
@@ -381,7 +438,7 @@ int main(int argc, char** argv) {
         if (validate->parsed()) return finish(cmd_validate(shown, load_block(file)));
         if (values->parsed()) {
             const BlockInput in = load_block(file);
-            return finish(cmd_values(in, frame_count(in, valuesCount, count), start, at));
+            return finish(cmd_values(shown, in, frame_count(in, valuesCount, count), start, at, raw));
         }
         if (frames->parsed()) {
             const BlockInput in = load_block(file);
@@ -397,10 +454,7 @@ int main(int argc, char** argv) {
         return e.status;
     } catch (const Invalid& e) {
         // One message per line of the library: "streamgen: FILE: the block is invalid: LINE".
-        std::istringstream lines(e.lines);
-        for (std::string line; std::getline(lines, line);) {
-            if (!line.empty()) std::cerr << "streamgen: " << shown << ": the block is invalid: " << line << '\n';
-        }
+        for (const auto& line : e.lines) std::cerr << "streamgen: " << shown << ": the block is invalid: " << line << '\n';
         return kInvalid;
     } catch (const InputError& e) {
         std::cerr << "streamgen: " << shown << ": " << e.line() << '\n';

@@ -1,21 +1,32 @@
 // An output that appears only when it is complete: the bytes go to a temporary file beside
 // the target, which is renamed onto the target by Commit(). Until then an existing target is
-// untouched; on failure, destruction without Commit(), SIGINT, SIGTERM or SIGHUP the
-// temporary file is removed. "-" is standard output; targets that are not regular files
-// (a terminal, a pipe, /dev/stdout, /dev/null) are written directly.
+// untouched; on failure or destruction without Commit() the temporary file is removed. The
+// library installs no signal handler: a program that wants the file removed when a signal
+// ends it is told the temporary name through a TempWatcher. "-" is standard output; targets
+// that are not regular files (a terminal, a pipe, /dev/stdout, /dev/null) are written
+// directly.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 
-namespace streamgen {
+namespace vrm::traffic {
+
+// Told the name of the temporary file before it exists and when it is gone (renamed or
+// removed), for example to remove it from a signal handler.
+class TempWatcher {
+  public:
+    virtual ~TempWatcher() = default;
+    virtual void Creating(const std::string& path) = 0;
+    virtual void Gone() = 0;
+};
 
 class OutputFile {
   public:
     // Opens the temporary file (or the target itself when it is not a regular file).
     // Throws std::runtime_error "<path>: <reason>".
-    explicit OutputFile(const std::string& path);
+    explicit OutputFile(const std::string& path, TempWatcher* watcher = nullptr);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
@@ -38,6 +49,7 @@ class OutputFile {
     void Discard();
 
     std::string m_path;
+    TempWatcher* m_watcher = nullptr;
     std::string m_temp;  // empty when writing the target directly
     int m_fd = -1;
     bool m_ownsFd = false;
@@ -46,4 +58,4 @@ class OutputFile {
 // True when `a` and `b` name the same existing file ("-" names none).
 bool same_file(const std::string& a, const std::string& b);
 
-}  // namespace streamgen
+}  // namespace vrm::traffic

@@ -1,8 +1,8 @@
-#include "tools/streamgen/JsonRecord.h"
+#include "traffic/JsonRecord.h"
 
 #include <cctype>
 
-namespace streamgen {
+namespace vrm::traffic {
 
 namespace {
 
@@ -102,4 +102,4 @@ int read_enum_name(const Json& j, const std::string& path, const tm_enum_map* ma
                                (j.is_string() ? std::string() : ", got " + json_kind(j)));
 }
 
-}  // namespace streamgen
+}  // namespace vrm::traffic

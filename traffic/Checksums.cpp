@@ -1,11 +1,11 @@
-#include "tools/streamgen/Checksums.h"
+#include "traffic/Checksums.h"
 
 #include <cstdint>
 #include <cstring>
 
-#include "tools/streamgen/FrameFields.h"
+#include "traffic/FrameFields.h"
 
-namespace streamgen {
+namespace vrm::traffic {
 
 namespace {
 
@@ -82,7 +82,9 @@ FrameChecksums::FrameChecksums(const std::vector<std::uint8_t>& frameTemplate)
 
 std::string FrameChecksums::Names() const {
     std::string s = m_ipv4Header ? "IPv4 header" : "";
-    const char* l4 = m_l4 == L4::Udp ? "UDP" : m_l4 == L4::Tcp ? "TCP" : m_l4 == L4::Icmp4 ? "ICMPv4" : m_l4 == L4::Icmp6 ? "ICMPv6" : nullptr;
+    std::size_t length = 0;
+    const bool applies = Segment(m_template.data(), length);  // the template's lengths decide
+    const char* l4 = !applies ? nullptr : m_l4 == L4::Udp ? "UDP" : m_l4 == L4::Tcp ? "TCP" : m_l4 == L4::Icmp4 ? "ICMPv4" : m_l4 == L4::Icmp6 ? "ICMPv6" : nullptr;
     if (l4 != nullptr) s += (s.empty() ? "" : ", ") + std::string(l4);
     return s.empty() ? "none" : s;
 }
@@ -239,4 +241,4 @@ void FrameChecksums::Apply(std::uint8_t* first, std::size_t count, std::size_t s
     }
 }
 
-}  // namespace streamgen
+}  // namespace vrm::traffic

@@ -1,8 +1,9 @@
-#include "tools/streamgen/FrameFields.h"
+#include "traffic/FrameFields.h"
 
+#include <algorithm>
 #include <cstdio>
 
-namespace streamgen {
+namespace vrm::traffic {
 
 namespace {
 
@@ -82,6 +83,58 @@ const std::vector<std::string>& field_names() {
                                                 "ipv6.tc",   "ipv6.flow", "ipv6.src", "ipv6.dst", "udp.sport",
                                                 "udp.dport", "tcp.sport", "tcp.dport"};
     return names;
+}
+
+std::vector<std::string> frame_length_warnings(const std::vector<uint8_t>& f) {
+    std::vector<std::string> out;
+    const FrameLayout l = frame_layout(f);
+    const std::string where = "baseStream.frame.data: ";
+    constexpr std::size_t kMinimum = 60;
+    std::size_t payload = 0;  // the IP payload the header declares
+    bool havePayload = false;
+    if (l.ipv4 >= 0 && l.l4 >= 0) {
+        const std::size_t at = static_cast<std::size_t>(l.ipv4);
+        const std::size_t total = be16(f, at + 2), ihl = (f[at] & 0x0fu) * 4u, held = f.size() - at;
+        if (total > held || (total < held && f.size() > kMinimum)) {
+            out.push_back(where + "the IPv4 total length is " + std::to_string(total) + " but the frame holds " +
+                          std::to_string(held) + " bytes from the IPv4 header on");
+        }
+        if (total >= ihl) {
+            payload = std::min(total, held) - ihl;
+            havePayload = true;
+        }
+    } else if (l.ipv6 >= 0) {
+        const std::size_t at = static_cast<std::size_t>(l.ipv6);
+        const std::size_t declared = be16(f, at + 4), held = f.size() - at - 40;
+        if (declared > held || (declared < held && f.size() > kMinimum)) {
+            out.push_back(where + "the IPv6 payload length is " + std::to_string(declared) + " but the frame holds " +
+                          std::to_string(held) + " bytes after the IPv6 header");
+        }
+        payload = std::min(declared, held);
+        havePayload = true;
+    }
+    if (havePayload && l.ipProtocol == 17 && l.l4 >= 0 && f.size() >= static_cast<std::size_t>(l.l4) + 8) {
+        const std::size_t udp = be16(f, static_cast<std::size_t>(l.l4) + 4);
+        if (udp != payload) {
+            out.push_back(where + "the UDP length is " + std::to_string(udp) + " but the IP payload holds " +
+                          std::to_string(payload) + " bytes, so the UDP checksum is left as it is");
+        }
+    }
+    return out;
+}
+
+bool known_field_name(const std::string& name) {
+    for (const auto& n : field_names()) {
+        if (n == name) return true;
+    }
+    if (name.compare(0, 5, "vlan[") != 0) return false;
+    const std::size_t close = name.find(']');
+    if (close == std::string::npos || close == 5 || close > 8) return false;
+    for (std::size_t i = 5; i < close; ++i) {
+        if (name[i] < '0' || name[i] > '9') return false;
+    }
+    const std::string rest = name.substr(close + 1);
+    return rest == ".id" || rest == ".pcp";
 }
 
 bool resolve_field(const std::vector<uint8_t>& frame, const std::string& name, FieldPlace& place,
@@ -181,4 +234,4 @@ bool resolve_field(const std::vector<uint8_t>& frame, const std::string& name, F
     return fail("unknown field name");
 }
 
-}  // namespace streamgen
+}  // namespace vrm::traffic

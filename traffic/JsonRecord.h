@@ -17,7 +17,8 @@
 //   enum_int fields                   an integer within the wire type's range
 //   bounded<N> fields                 as the vector, with at most N elements
 // Anything else is refused with an InputError naming the JSON path, for example
-// `rangeModifiers[1].stepValue: expected hex bytes`.
+// `rangeModifiers[1].stepValue: expected hex bytes`. write_json gives a record in the same
+// forms (bytes as lower-case hex), so what it writes reads back to the same record.
 #pragma once
 
 #include <cstdint>
@@ -35,7 +36,7 @@
 #include "interfaces/generator_3_bll_records.h"
 #include "platform/tm_enum_map.h"
 
-namespace streamgen {
+namespace vrm::traffic {
 
 // Members keep their order, so the first error reported is the first in the file.
 using Json = nlohmann::ordered_json;
@@ -245,6 +246,74 @@ void read_record(const Json& j, const std::string& path, R& rec, const std::vect
     }
 }
 
+// --- records to JSON, in the forms read_json takes -----------------------------------------
+
+template <class T>
+Json write_json(const T& v);
+
+template <class T, class Form>
+Json write_form(const T& v, Form) {
+    return write_json(v);
+}
+
+template <class T>
+Json write_form(const T& v, binding::EnumString form) {
+    auto name = [&form](int value) {
+        for (const tm_enum_map* row = form.map; row->name != nullptr; ++row) {
+            if (row->value == value) return Json(row->name);
+        }
+        return Json(value);  // a value without a name travels as its number
+    };
+    if constexpr (std::is_enum_v<T>) {
+        return name(static_cast<int>(v));
+    } else {
+        Json out = Json::array();
+        for (const auto& e : v) out.push_back(name(static_cast<int>(e)));
+        return out;
+    }
+}
+
+template <class T, class W>
+Json write_form(const T& v, binding::EnumInt<W>) {
+    return Json(static_cast<W>(v));
+}
+
+template <class R>
+Json write_record(const R& rec) {
+    constexpr auto d = binding::description<R>();
+    Json out = Json::object();
+    if constexpr (decltype(d)::is_choice) {
+        binding::ChoiceOf<R>::visit(rec.*(d.selector), [&](const auto& a) {
+            out[a.field.name] = write_form(rec.*(a.field.member), a.field.form);
+        });
+    } else {
+        std::apply([&](const auto&... f) { ((out[f.name] = write_form(rec.*(f.member), f.form)), ...); }, d.fields);
+    }
+    return out;
+}
+
+template <class T>
+Json write_json(const T& v) {
+    if constexpr (std::is_same_v<T, bool> || std::is_integral_v<T> || std::is_floating_point_v<T> ||
+                  std::is_same_v<T, std::string>) {
+        return Json(v);
+    } else if constexpr (std::is_same_v<T, Generator_3_bll::modifierData_s>) {
+        return Json(to_hex(v.data));
+    } else if constexpr (std::is_same_v<T, std::vector<unsigned char>>) {
+        return Json(to_hex(v));
+    } else if constexpr (detail::IsByteArray<T>::value) {
+        return Json(to_hex(v.data(), v.size()));
+    } else if constexpr (binding::is_record<T>) {
+        return write_record(v);
+    } else if constexpr (detail::IsVector<T>::value) {
+        Json out = Json::array();
+        for (const auto& e : v) out.push_back(write_json(static_cast<const typename T::value_type&>(e)));
+        return out;
+    } else {
+        static_assert(detail::always_false<T>, "no JSON form for this field type");
+    }
+}
+
 template <class T>
 void read_json(const Json& j, const std::string& path, T& out) {
     if constexpr (std::is_same_v<T, bool>) {
@@ -294,4 +363,4 @@ void read_json(const Json& j, const std::string& path, T& out) {
     }
 }
 
-}  // namespace streamgen
+}  // namespace vrm::traffic

@@ -22,9 +22,9 @@
 #include <vector>
 
 #include "interfaces/generator_3_bll_records.h"
-#include "tools/streamgen/FrameFields.h"
+#include "traffic/FrameFields.h"
 
-namespace streamgen {
+namespace vrm::traffic {
 
 // What the host decides about one modifier.
 struct HostModifier {
@@ -53,4 +53,4 @@ std::string read_block_text(const std::string& file);
 // Reads and checks JSON text.
 BlockInput parse_block(const std::string& text);
 
-}  // namespace streamgen
+}  // namespace vrm::traffic

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace streamgen {
+namespace vrm::traffic {
 
 class FrameChecksums {
   public:
@@ -24,7 +24,8 @@ class FrameChecksums {
 
     // False when the template carries no header with a checksum.
     bool Any() const { return m_ipv4Header || m_l4 != L4::None; }
-    // The checksums recomputed, in words ("IPv4 header, UDP"), or "none".
+    // The checksums recomputed, in words ("IPv4 header, UDP"), or "none": a transport
+    // checksum only when the template's lengths let it apply.
     std::string Names() const;
 
     // Recomputes the checksums of one frame of the template's length in place. The lengths
@@ -67,4 +68,4 @@ class FrameChecksums {
     std::uint8_t m_protocol = 0;
 };
 
-}  // namespace streamgen
+}  // namespace vrm::traffic

@@ -1,4 +1,4 @@
-#include "tools/streamgen/PcapOut.h"
+#include "traffic/PcapOut.h"
 
 #include <algorithm>
 #include <atomic>
@@ -12,10 +12,10 @@
 #include <thread>
 #include <vector>
 
-#include "tools/streamgen/Checksums.h"
-#include "tools/streamgen/OutputFile.h"
+#include "traffic/Checksums.h"
+#include "traffic/OutputFile.h"
 
-namespace streamgen {
+namespace vrm::traffic {
 
 namespace {
 
@@ -114,7 +114,7 @@ PcapSummary write_pcap(const std::string& path, std::uint64_t count, std::size_t
     job.stamp = &stamp;
     job.checksums = options.checksums != nullptr && options.checksums->Any() ? options.checksums : nullptr;
 
-    OutputFile out(path);
+    OutputFile out(path, options.watcher);
     job.out = &out;
     unsigned char header[kFileHeader] = {};
     put32(header, 0xa1b2c3d4u);
@@ -165,4 +165,4 @@ PcapSummary write_pcap(const std::string& path, std::uint64_t count, std::size_t
     return summary;
 }
 
-}  // namespace streamgen
+}  // namespace vrm::traffic

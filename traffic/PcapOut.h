@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-namespace streamgen {
+namespace vrm::traffic {
 
 class FrameChecksums;
 
@@ -25,12 +25,16 @@ struct PcapSummary {
     double seconds = 0;
 };
 
+class TempWatcher;
+
 struct PcapOptions {
     unsigned threads = 1;
     // Recomputed in every frame after stamping; null leaves the bytes as stamped.
     const FrameChecksums* checksums = nullptr;
     // Called from the calling thread about ten times a second with the frames written.
     std::function<void(std::uint64_t done)> progress;
+    // Told the temporary file's name (see OutputFile).
+    TempWatcher* watcher = nullptr;
 };
 
 // Writes frames 0 .. count-1, each `frameLength` bytes (at most kPcapMaxFrame), to `path`
@@ -48,4 +52,4 @@ struct PcapOptions {
 PcapSummary write_pcap(const std::string& path, std::uint64_t count, std::size_t frameLength,
                        const FrameStamp& stamp, const PcapOptions& options = {});
 
-}  // namespace streamgen
+}  // namespace vrm::traffic

@@ -3,15 +3,21 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "common/FramePlan.h"
-#include "tools/streamgen/BlockFile.h"
+#include "traffic/JsonRecord.h"
+#include "traffic/BlockFile.h"
 
-namespace streamgen {
+namespace vrm::common {
+class Modifier;
+}
+
+namespace vrm::traffic {
 
 // The library refused to build the modifiers (its exception text, without a final newline).
 class BuildError : public std::runtime_error {
@@ -31,12 +37,20 @@ class BlockModifiers {
     // The validation result and the library's lines, exactly as it wrote them.
     bool Valid() const { return m_valid; }
     const std::string& ValidationText() const { return m_validation; }
+    // The same lines, each preceded by the JSON path of the record or link it concerns
+    // ("modLinks[1]: Modifier link from ...") and followed by the sizes it is about where
+    // the library's text names none.
+    const std::vector<std::string>& ValidationLines() const { return m_lines; }
 
     // Modifiers in modIndex order.
     std::size_t Size() const;
     uint32_t ModIndex(std::size_t i) const;
     void Value(std::size_t i, std::vector<uint8_t>& out);
+    // Throws InputError naming the modifier when the library cannot compute it by index.
     void ValueAt(std::size_t i, std::vector<uint8_t>& out, uint32_t index);
+    // Writes every modifier's value of frame `index` (by index, GetValueAt) into `frame`.
+    // Throws InputError naming the modifier when the library cannot compute it by index.
+    void ModifyAt(std::vector<uint8_t>& frame, uint32_t index);
     // Moves every modifier on by one frame.
     void Next();
     // Moves every modifier to frame `index` (from a fresh state).
@@ -58,6 +72,15 @@ class BlockModifiers {
     // The bits of the frame that any modifier writes (after PlaceFields), one mask byte per
     // frame byte.
     std::vector<uint8_t> WrittenBits(const BlockInput& in);
+    // The frame bytes modifier i writes bits of (after PlaceFields): the first, how many,
+    // and the bits it owns in each. Empty for a modifier that writes no frame data.
+    struct Window {
+        std::size_t offset = 0;
+        std::size_t size = 0;
+        const unsigned char* mask = nullptr;
+    };
+    Window WindowOf(std::size_t i) const;
+
     // Writes every modifier's current value into `frame`.
     void Modify(std::vector<uint8_t>& frame);
 
@@ -66,10 +89,14 @@ class BlockModifiers {
 
   private:
     std::vector<std::vector<uint8_t>> BitsOfEach(const BlockInput& in);
+    std::vector<std::string> Annotate(const BlockInput& in) const;
+    InputError IndexRefusal(const vrm::common::Modifier& m) const;
     struct Impl;
     std::unique_ptr<Impl> m_impl;
     bool m_valid = false;
     std::string m_validation;
+    std::vector<std::string> m_lines;
+    std::map<uint32_t, std::string> m_paths;  // JSON path of each modifier's record
 };
 
-}  // namespace streamgen
+}  // namespace vrm::traffic

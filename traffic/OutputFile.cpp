@@ -1,45 +1,30 @@
-#include "tools/streamgen/OutputFile.h"
+#include "traffic/OutputFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
-#include <csignal>
+#include <cstdint>
 #include <cstring>
-#include <mutex>
+#include <random>
 #include <stdexcept>
 
-namespace streamgen {
+namespace vrm::traffic {
 
 namespace {
 
-// The temporary file to remove when a signal ends the process; one at a time (a process
-// writes one output at once). The handler may only use async-signal-safe calls.
 constexpr std::size_t kMaxPath = 4096;
-char g_pending[kMaxPath + 1];
-std::atomic<bool> g_havePending{false};
 
-extern "C" void remove_pending(int sig) {
-    if (g_havePending.load()) ::unlink(g_pending);
-    std::signal(sig, SIG_DFL);
-    std::raise(sig);
-}
-
-void install_handlers() {
-    static std::once_flag once;
-    std::call_once(once, [] {
-        for (int sig : {SIGINT, SIGTERM, SIGHUP}) {
-            struct sigaction sa {};
-            sa.sa_handler = remove_pending;
-            sigemptyset(&sa.sa_mask);
-            struct sigaction old {};
-            sigaction(sig, nullptr, &old);
-            // A signal ignored by the parent (nohup) stays ignored.
-            if (old.sa_handler != SIG_IGN) sigaction(sig, &sa, nullptr);
-        }
-    });
+// Six characters for a temporary name, from a generator of the calling thread.
+std::string random_suffix() {
+    static const char kChars[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+    thread_local std::mt19937_64 generator{std::random_device{}() ^
+                                           (static_cast<std::uint64_t>(::getpid()) << 32) ^
+                                           reinterpret_cast<std::uintptr_t>(&generator)};
+    std::string s(6, 'x');
+    for (char& c : s) c = kChars[generator() % (sizeof kChars - 1)];
+    return s;
 }
 
 std::string directory_of(const std::string& path) {
@@ -68,7 +53,7 @@ bool special_name(const std::string& path) {
 
 }  // namespace
 
-OutputFile::OutputFile(const std::string& path) : m_path(path) {
+OutputFile::OutputFile(const std::string& path, TempWatcher* watcher) : m_path(path), m_watcher(watcher) {
     if (path == "-") {
         m_fd = STDOUT_FILENO;
         return;
@@ -82,23 +67,26 @@ OutputFile::OutputFile(const std::string& path) : m_path(path) {
         m_ownsFd = true;
         return;
     }
-    std::string temp = directory_of(path) + "/." + base_of(path) + ".XXXXXX";
-    if (temp.size() > kMaxPath) throw std::runtime_error(path + ": " + std::strerror(ENAMETOOLONG));
-    install_handlers();
-    // The temporary name is published to the signal handler before the file exists.
-    std::memcpy(g_pending, temp.c_str(), temp.size() + 1);
-    m_fd = ::mkstemp(g_pending);
-    if (m_fd < 0) {
-        const int e = errno;
-        throw std::runtime_error(path + ": " + std::strerror(e));
+    const std::string stem = directory_of(path) + "/." + base_of(path) + ".";
+    if (stem.size() + 6 > kMaxPath) throw std::runtime_error(path + ": " + std::strerror(ENAMETOOLONG));
+    // A new name each try; the file gets the mode any new file gets (0666 less the umask).
+    for (int attempt = 0; attempt < 100 && m_fd < 0; ++attempt) {
+        std::string temp = stem + random_suffix();
+        if (m_watcher != nullptr) m_watcher->Creating(temp);  // known before the file exists
+        m_fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (m_fd >= 0) {
+            m_temp = std::move(temp);
+        } else if (errno != EEXIST) {
+            const int e = errno;
+            if (m_watcher != nullptr) m_watcher->Gone();
+            throw std::runtime_error(path + ": " + std::strerror(e));
+        }
     }
-    g_havePending.store(true);
-    m_temp = g_pending;
+    if (m_fd < 0) {
+        if (m_watcher != nullptr) m_watcher->Gone();
+        throw std::runtime_error(path + ": " + std::strerror(EEXIST));
+    }
     m_ownsFd = true;
-    // mkstemp makes the file private; give it the mode a new file would get.
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    ::fchmod(m_fd, 0666 & ~mask);
 }
 
 OutputFile::~OutputFile() { Discard(); }
@@ -116,7 +104,7 @@ void OutputFile::Discard() {
     m_ownsFd = false;
     if (!m_temp.empty()) {
         ::unlink(m_temp.c_str());
-        g_havePending.store(false);
+        if (m_watcher != nullptr) m_watcher->Gone();
         m_temp.clear();
     }
 }
@@ -161,7 +149,7 @@ void OutputFile::Commit() {
     }
     if (m_temp.empty()) return;
     if (::rename(m_temp.c_str(), m_path.c_str()) != 0) Fail(errno);
-    g_havePending.store(false);
+    if (m_watcher != nullptr) m_watcher->Gone();
     m_temp.clear();
 }
 
@@ -172,4 +160,4 @@ bool same_file(const std::string& a, const std::string& b) {
     return sa.st_dev == sb.st_dev && sa.st_ino == sb.st_ino;
 }
 
-}  // namespace streamgen
+}  // namespace vrm::traffic

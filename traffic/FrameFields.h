@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace streamgen {
+namespace vrm::traffic {
 
 struct FieldPlace {
     unsigned int bitOffset = 0;  // from the most significant bit of byte 0
@@ -28,8 +28,18 @@ struct FrameLayout {
 // Parses the headers of `frame` as far as they go.
 FrameLayout frame_layout(const std::vector<uint8_t>& frame);
 
+// Length fields of `frame` that disagree with it: an IPv4 total length or IPv6 payload
+// length that points past the frame, or short of it in a frame longer than the 60-byte
+// minimum (shorter frames are padded), and a UDP length other than the IP payload's. One
+// "baseStream.frame.data: ..." line each.
+std::vector<std::string> frame_length_warnings(const std::vector<uint8_t>& frame);
+
 // The names resolve_field() knows, in the order the help text lists them.
 const std::vector<std::string>& field_names();
+
+// True when `name` is one of field_names() or vlan[N].id / vlan[N].pcp, whether or not a
+// given template has the field.
+bool known_field_name(const std::string& name);
 
 // Finds `name` (eth.dst, eth.src, eth.type, vlan.id, vlan.pcp, ipv4.tos, ipv4.id, ipv4.ttl,
 // ipv4.src, ipv4.dst, ipv6.tc, ipv6.flow, ipv6.src, ipv6.dst, udp.sport, udp.dport,
@@ -39,4 +49,4 @@ const std::vector<std::string>& field_names();
 bool resolve_field(const std::vector<uint8_t>& frame, const std::string& name, FieldPlace& place,
                    std::string& why);
 
-}  // namespace streamgen
+}  // namespace vrm::traffic

@@ -1,4 +1,4 @@
-#include "tools/streamgen/BlockFile.h"
+#include "traffic/BlockFile.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -11,9 +11,9 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "tools/streamgen/JsonRecord.h"
+#include "traffic/JsonRecord.h"
 
-namespace streamgen {
+namespace vrm::traffic {
 
 namespace {
 
@@ -184,9 +184,33 @@ BlockInput parse_block(const std::string& text) {
         throw InputError("(document)", "invalid JSON: " + detail);
     }
     BlockInput in;
-    read_record(doc, "", in.block, {"host"});
-    in.frame = parse_hex_text(in.block.baseStream.frame.data, "baseStream.frame.data");
-    if (doc.is_object() && doc.contains("host")) read_host(doc["host"], in);
+    const Json* block = &doc;
+    std::string path;
+    if (doc.is_object() && doc.contains("members") && doc.contains("name")) {
+        // A request document (what decode prints): its one block.
+        const Json& name = doc["name"];
+        if (!name.is_string() || name.get<std::string>() != "Generator_3.SetStreamBlock") {
+            throw InputError("name", "a request document gives a block only as Generator_3.SetStreamBlock");
+        }
+        for (const auto& item : doc.items()) {
+            if (item.key() != "kind" && item.key() != "name" && item.key() != "members")
+                throw InputError(item.key(), "unknown key (expected one of: kind, name, members)");
+        }
+        const Json& members = doc["members"];
+        if (!members.is_object() || !members.contains("blocks"))
+            throw InputError("members.blocks", "missing");
+        const Json& blocks = members["blocks"];
+        if (!blocks.is_array()) throw InputError("members.blocks", "expected an array, got " + json_kind(blocks));
+        if (blocks.size() != 1) {
+            throw InputError("members.blocks", "holds " + std::to_string(blocks.size()) +
+                                                   " blocks; a block file is one block");
+        }
+        block = &blocks[0];
+        path = "members.blocks[0]";
+    }
+    read_record(*block, path, in.block, path.empty() ? std::vector<std::string>{"host"} : std::vector<std::string>{});
+    in.frame = parse_hex_text(in.block.baseStream.frame.data, member_path(path, "baseStream.frame.data"));
+    if (path.empty() && doc.is_object() && doc.contains("host")) read_host(doc["host"], in);
     return in;
 }
 
@@ -212,4 +236,4 @@ std::string read_block_text(const std::string& file) {
 
 BlockInput load_block(const std::string& file) { return parse_block(read_block_text(file)); }
 
-}  // namespace streamgen
+}  // namespace vrm::traffic
