@@ -84,6 +84,41 @@ constexpr Delegated<Inner> delegated(const Inner& inner, const ModuleRules& rule
     return {&inner, &rules};
 }
 
+// What a description holds, the same for a method and for one delegated to another module's.
+template <class Req, class Resp>
+constexpr const char* name_of(const Method<Req, Resp>& d) {
+    return d.name;
+}
+template <class Inner>
+constexpr const char* name_of(const Delegated<Inner>& d) {
+    return name_of(*d.inner);
+}
+template <class Req, class Resp>
+constexpr const Req& request_of(const Method<Req, Resp>& d) {
+    return d.request;
+}
+template <class Inner>
+constexpr const auto& request_of(const Delegated<Inner>& d) {
+    return request_of(*d.inner);
+}
+template <class Req, class Resp>
+constexpr const Resp& response_of(const Method<Req, Resp>& d) {
+    return d.response;
+}
+template <class Inner>
+constexpr const auto& response_of(const Delegated<Inner>& d) {
+    return response_of(*d.inner);
+}
+// The rules of the module that sends it (the delegating module's, for a delegated method).
+template <class Req, class Resp>
+constexpr const ModuleRules& rules_of(const Method<Req, Resp>& d) {
+    return *d.rules;
+}
+template <class Inner>
+constexpr const ModuleRules& rules_of(const Delegated<Inner>& d) {
+    return *d.rules;
+}
+
 template <class Sink, class T>
 bool write(const Sink& sink, const T& v, Copied, bool, Catalog* catalog) {
     return write(sink, v, Natural{}, true, catalog);

@@ -43,30 +43,10 @@ void bind_messages(py::module_& m);
 
 namespace detail {
 
-template <class Req, class Resp>
-const char* name_of(const binding::Method<Req, Resp>& d) {
-    return d.name;
-}
-template <class Inner>
-const char* name_of(const binding::Delegated<Inner>& d) {
-    return name_of(*d.inner);
-}
-template <class Req, class Resp>
-const Req& request_of(const binding::Method<Req, Resp>& d) {
-    return d.request;
-}
-template <class Inner>
-const auto& request_of(const binding::Delegated<Inner>& d) {
-    return request_of(*d.inner);
-}
-template <class Req, class Resp>
-const Resp& response_of(const binding::Method<Req, Resp>& d) {
-    return d.response;
-}
-template <class Inner>
-const auto& response_of(const binding::Delegated<Inner>& d) {
-    return response_of(*d.inner);
-}
+using binding::name_of;
+using binding::request_of;
+using binding::response_of;
+using binding::rules_of;
 
 template <class Members>
 std::vector<std::string> names_of(const Members& ms) {
@@ -106,13 +86,13 @@ inline py::bytes wire(const Message& m) {
     return bytes_of(bytes.data(), bytes.size());
 }
 
-template <class Req, class Resp>
-const binding::ModuleRules& rules_of(const binding::Method<Req, Resp>& d) {
-    return *d.rules;
-}
-template <class Inner>
-const binding::ModuleRules& rules_of(const binding::Delegated<Inner>& d) {
-    return *d.rules;
+// The members of a decoded message as Python values, read by `parse` (a call of one of the
+// binding's parsers with one output per member).
+template <class Members, class Parse>
+py::dict parsed_members(const Members& ms, Parse parse) {
+    auto values = read_members(ms, py::dict{});
+    std::apply(parse, values);
+    return members_to_py(ms, values, std::make_index_sequence<std::tuple_size_v<Members>>{});
 }
 
 template <class D>
@@ -140,18 +120,10 @@ MethodOps ops_of(const D& d) {
         return wire(m);
     };
     ops.parseResponse = [&d](const Message& m) {
-        const auto& ms = response_of(d);
-        using Members = std::decay_t<decltype(ms)>;
-        auto values = read_members(ms, py::dict{});
-        std::apply([&](auto&... v) { binding::parse_response(&m, d, v...); }, values);
-        return members_to_py(ms, values, std::make_index_sequence<std::tuple_size_v<Members>>{});
+        return parsed_members(response_of(d), [&](auto&... v) { binding::parse_response(&m, d, v...); });
     };
     ops.parseRequest = [&d](const Message& m) {
-        const auto& ms = request_of(d);
-        using Members = std::decay_t<decltype(ms)>;
-        auto values = read_members(ms, py::dict{});
-        std::apply([&](auto&... v) { binding::parse_request(&m, d, v...); }, values);
-        return members_to_py(ms, values, std::make_index_sequence<std::tuple_size_v<Members>>{});
+        return parsed_members(request_of(d), [&](auto&... v) { binding::parse_request(&m, d, v...); });
     };
     return ops;
 }

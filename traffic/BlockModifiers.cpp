@@ -33,15 +33,21 @@ std::string chomp(std::string s) {
 
 namespace {
 
-// JSON path of the record of `modIndex` (unique in a valid block), for messages.
+// JSON path of the first record of `list` with `modIndex`, or empty.
+template <class Records>
+std::string path_in(const Records& list, const char* name, uint32_t modIndex) {
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        if (list[i].modIndex == modIndex) return element_path(name, i);
+    }
+    return {};
+}
+
+// JSON path of the record of `modIndex` (unique in a valid block), for messages: the range
+// record when there is one, else the table record.
 std::string record_path(const BlockInput& in, uint32_t modIndex) {
-    for (std::size_t i = 0; i < in.block.rangeModifiers.size(); ++i) {
-        if (in.block.rangeModifiers[i].modIndex == modIndex) return element_path("rangeModifiers", i);
-    }
-    for (std::size_t i = 0; i < in.block.tableModifiers.size(); ++i) {
-        if (in.block.tableModifiers[i].modIndex == modIndex) return element_path("tableModifiers", i);
-    }
-    return std::string("modIndex ") + std::to_string(modIndex);
+    std::string path = path_in(in.block.rangeModifiers, "rangeModifiers", modIndex);
+    if (path.empty()) path = path_in(in.block.tableModifiers, "tableModifiers", modIndex);
+    return path.empty() ? "modIndex " + std::to_string(modIndex) : path;
 }
 
 std::string offset_reference(const BlockInput& in, uint32_t modIndex) {
@@ -104,16 +110,9 @@ std::string byte_range(const std::vector<uint8_t>& bits) {
 
 // The path of the range (or table) record of `modIndex`.
 std::string kind_path(const BlockInput& in, uint32_t modIndex, bool range) {
-    if (range) {
-        for (std::size_t i = 0; i < in.block.rangeModifiers.size(); ++i) {
-            if (in.block.rangeModifiers[i].modIndex == modIndex) return element_path("rangeModifiers", i);
-        }
-    } else {
-        for (std::size_t i = 0; i < in.block.tableModifiers.size(); ++i) {
-            if (in.block.tableModifiers[i].modIndex == modIndex) return element_path("tableModifiers", i);
-        }
-    }
-    return record_path(in, modIndex);
+    const std::string path = range ? path_in(in.block.rangeModifiers, "rangeModifiers", modIndex)
+                                   : path_in(in.block.tableModifiers, "tableModifiers", modIndex);
+    return path.empty() ? record_path(in, modIndex) : path;
 }
 
 // Sizes a library line about a record's values leaves unsaid: the widths of a table's
@@ -447,15 +446,19 @@ std::vector<std::string> BlockModifiers::Warnings(const BlockInput& in) {
         for (std::size_t k = 0; k < mods.Size(); ++k) {
             if (reported[k]) continue;
             Modifier& m = mods.At(k);
-            stepped = in.frame;
-            indexed = in.frame;
             try {
-                m.ModifyBytes(stepped, false);
-                m.ModifyBytesAtIndex(indexed, static_cast<unsigned int>(i));
+                m.GetValue(stepped);
+                m.GetValueAt(indexed, static_cast<unsigned int>(i));
             } catch (const std::exception&) {
                 reported[k] = true;  // no values by index (a cycle the engine counts as 0 frames)
                 continue;
             }
+            if (stepped == indexed) continue;
+            // The values differ; the frames do when the difference reaches written bits.
+            stepped = in.frame;
+            indexed = in.frame;
+            m.ModifyBytes(stepped, false);
+            m.ModifyBytesAtIndex(indexed, static_cast<unsigned int>(i));
             const Window w = WindowOf(k);
             if (std::equal(stepped.begin() + w.offset, stepped.begin() + w.offset + w.size, indexed.begin() + w.offset))
                 continue;

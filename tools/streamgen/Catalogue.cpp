@@ -13,14 +13,8 @@ namespace streamgen {
 
 namespace {
 
-template <class Req, class Resp>
-const char* name_of(const binding::Method<Req, Resp>& m) {
-    return m.name;
-}
-template <class Inner>
-const char* name_of(const binding::Delegated<Inner>& d) {
-    return name_of(*d.inner);
-}
+using binding::name_of;
+using binding::request_of;
 
 // One line per member and its kind, nested records' members indented below it: the same
 // walk over the record descriptions as the JSON reader's, so every member the block file
@@ -123,15 +117,6 @@ void describe_record(int depth, std::ostream& out) {
             (describe_member<std::decay_t<decltype(std::declval<R&>().*(f.member))>>(f.name, f.form, depth, out), ...);
         }, d.fields);
     }
-}
-
-template <class Req, class Resp>
-const auto& request_of(const binding::Method<Req, Resp>& m) {
-    return m.request;
-}
-template <class Inner>
-const auto& request_of(const binding::Delegated<Inner>& d) {
-    return request_of(*d.inner);
 }
 
 template <class Members>
