@@ -1,0 +1,25 @@
+// Frames of varying length made in runs from any index: what a capture writer or a sender
+// takes. A block's shaped frames are one source; a port's timeline of several blocks is
+// another.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vrm::traffic {
+
+class FrameSource {
+  public:
+    virtual ~FrameSource() = default;
+    // The longest frame Stamp writes, in bytes (a frame check sequence included when the
+    // source appends one).
+    virtual std::size_t MaxLength() const = 0;
+    // Writes frames first .. first + count - 1: frame first + k at out + k * stride
+    // (stride >= MaxLength()), its length in lengths[k] and its time in nanoseconds since the
+    // epoch in times[k]. Bytes of a frame's slot past its length are unspecified. Called from
+    // several threads at once with disjoint ranges.
+    virtual void Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
+                       std::uint32_t* lengths, std::uint64_t* times) const = 0;
+};
+
+}  // namespace vrm::traffic
