@@ -145,6 +145,8 @@ struct FramePlan::Track {
     // cycle, and of kBlockFrames more, at m_tableWords[tableFirst + frame * words].
     bool perFrame = false;
     std::uint64_t cycle = 0;
+    // Frames after which this modifier's values repeat from frame 0 on.
+    std::uint64_t repeat = 1;
 };
 
 namespace {
@@ -546,6 +548,7 @@ FramePlan::FramePlan(const StreamBlockModifiers& modifiers, const std::vector<un
             t.tableFirst = m_tableWords.size();
             m_tableWords.insert(m_tableWords.end(), perFrame.begin(), perFrame.end());
         }
+        t.repeat = stateLength;
         if (cycleFits) {
             cycle = cycle / Gcd(static_cast<std::uint64_t>(cycle % stateLength), stateLength) * stateLength;
             if (cycle > ~std::uint64_t{0}) cycleFits = false;
@@ -554,6 +557,8 @@ FramePlan::FramePlan(const StreamBlockModifiers& modifiers, const std::vector<un
     }
     m_cycle = cycleFits ? static_cast<std::uint64_t>(cycle) : 0;
 }
+
+std::uint64_t FramePlan::ModifierCycle(std::size_t i) const { return m_tracks.at(i).repeat; }
 
 void FramePlan::Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride) const {
     if (count == 0) return;

@@ -42,6 +42,9 @@ class FramePlan {
     // Frames after which the block's frames repeat (a period of every modifier's sequence;
     // not always the shortest one). 0 when that period does not fit in 64 bits.
     std::uint64_t CycleLength() const { return m_cycle; }
+    // Frames after which the values of modifier i (modIndex order) repeat. Throws
+    // std::out_of_range for a modifier the plan does not have.
+    std::uint64_t ModifierCycle(std::size_t i) const;
 
     // Internal: one modifier's compiled sequence and window (defined in the source file).
     struct Track;

@@ -106,8 +106,11 @@ void read_host(const Json& j, BlockInput& in) {
                                      "modIndex " + std::to_string(modIndex) + " is listed twice");
                 }
             }
+        } else if (item.key() == "port") {
+            in.port.emplace();
+            read_record(item.value(), sub, *in.port);
         } else {
-            throw InputError(sub, "unknown key (expected one of: frames, modifiers)");
+            throw InputError(sub, "unknown key (expected one of: frames, modifiers, port)");
         }
     }
 }

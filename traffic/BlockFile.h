@@ -7,6 +7,9 @@
 //     ...                                   (any member of the stream block record)
 //     "host": {                             (optional: what a host decides, not sent)
 //       "frames": 1000,                     frames when no --count is given
+//       "port": {"randomLengthSeed": 7, "imix": {...}},
+//                                           the generator's common configuration
+//                                           (genCommonCfg_s) that shapes frames
 //       "modifiers": [
 //         {"modIndex": 1, "field": "ipv4.src", "totalCount": 256},
 //         {"modIndex": 2, "bitOffset": 272, "bitLength": 16}
@@ -39,6 +42,7 @@ struct BlockInput {
     std::vector<uint8_t> frame;             // the frame template's bytes
     std::map<uint32_t, HostModifier> host;  // by modIndex
     std::optional<uint64_t> frames;
+    std::optional<Generator_3_bll::genCommonCfg_s> port;  // host.port
 };
 
 // The largest block accepted, in bytes of JSON text.

@@ -278,6 +278,8 @@ BlockModifiers::~BlockModifiers() = default;
 
 std::size_t BlockModifiers::Size() const { return m_impl->mods->Size(); }
 uint32_t BlockModifiers::ModIndex(std::size_t i) const { return m_impl->mods->At(i).GetModIndex(); }
+bool BlockModifiers::IsStream(std::size_t i) const { return m_impl->mods->At(i).IsStreamModifier(); }
+const std::string& BlockModifiers::Path(std::size_t i) const { return m_paths.at(ModIndex(i)); }
 void BlockModifiers::Value(std::size_t i, std::vector<uint8_t>& out) { m_impl->mods->At(i).GetValue(out); }
 void BlockModifiers::ValueAt(std::size_t i, std::vector<uint8_t>& out, uint32_t index) {
     Modifier& m = m_impl->mods->At(i);

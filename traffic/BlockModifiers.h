@@ -45,6 +45,10 @@ class BlockModifiers {
     // Modifiers in modIndex order.
     std::size_t Size() const;
     uint32_t ModIndex(std::size_t i) const;
+    // True for a modifier whose values tell the block's streams apart (the record's useStream).
+    bool IsStream(std::size_t i) const;
+    // The JSON path of modifier i's record ("rangeModifiers[2]").
+    const std::string& Path(std::size_t i) const;
     void Value(std::size_t i, std::vector<uint8_t>& out);
     // Throws InputError naming the modifier when the library cannot compute it by index.
     void ValueAt(std::size_t i, std::vector<uint8_t>& out, uint32_t index);

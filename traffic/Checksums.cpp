@@ -1,5 +1,6 @@
 #include "traffic/Checksums.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -65,6 +66,9 @@ FrameChecksums::FrameChecksums(const std::vector<std::uint8_t>& frameTemplate)
     m_ipv4 = l.ipv4;
     m_ipv6 = l.ipv6;
     m_ipv4Header = l.ipv4 >= 0 && l.l4 >= 0;  // a header of a sound length
+    m_headersEnd = std::min<std::size_t>(frameTemplate.size(), l.l4 >= 0 ? static_cast<std::size_t>(l.l4)
+                                                               : l.ipv6 >= 0 ? static_cast<std::size_t>(l.ipv6) + 40
+                                                                             : l.typeOffset + 2u);
     if (l.l4 < 0) return;
     m_l4Offset = l.l4;
     m_protocol = static_cast<std::uint8_t>(l.ipProtocol);
@@ -83,7 +87,7 @@ FrameChecksums::FrameChecksums(const std::vector<std::uint8_t>& frameTemplate)
 std::string FrameChecksums::Names() const {
     std::string s = m_ipv4Header ? "IPv4 header" : "";
     std::size_t length = 0;
-    const bool applies = Segment(m_template.data(), length);  // the template's lengths decide
+    const bool applies = Segment(m_template.data(), m_length, length);  // the template's lengths decide
     const char* l4 = !applies ? nullptr : m_l4 == L4::Udp ? "UDP" : m_l4 == L4::Tcp ? "TCP" : m_l4 == L4::Icmp4 ? "ICMPv4" : m_l4 == L4::Icmp6 ? "ICMPv6" : nullptr;
     if (l4 != nullptr) s += (s.empty() ? "" : ", ") + std::string(l4);
     return s.empty() ? "none" : s;
@@ -135,7 +139,7 @@ void FrameChecksums::SetChangingBits(const std::vector<std::uint8_t>& changing) 
     // The transport checksum applies when the template's lengths make it apply; no frame
     // changes them.
     std::size_t l4Length = 0;
-    if (Segment(m_template.data(), l4Length)) {
+    if (Segment(m_template.data(), m_length, l4Length)) {
         const std::size_t at = static_cast<std::size_t>(m_l4Offset);
         m_l4Checksum = at + ChecksumOffset();
         m_l4Fixed = PseudoHeader(l4Length);
@@ -170,27 +174,58 @@ void FrameChecksums::Apply(std::uint8_t* f) const {
     if (m_quick) {
         Quick(f);
     } else {
-        Full(f);
+        Full(f, m_length);
     }
+}
+
+void FrameChecksums::Apply(std::uint8_t* frame, std::size_t length) const {
+    if (Any()) Full(frame, length);
+}
+
+void FrameChecksums::SetLengths(std::uint8_t* f, std::size_t length) const {
+    auto put16 = [](std::uint8_t* at, std::size_t v) {
+        at[0] = static_cast<std::uint8_t>(v >> 8);
+        at[1] = static_cast<std::uint8_t>(v);
+    };
+    if (m_ipv4 >= 0 && length >= static_cast<std::size_t>(m_ipv4) + 20) put16(f + m_ipv4 + 2, length - static_cast<std::size_t>(m_ipv4));
+    if (m_ipv6 >= 0 && length >= static_cast<std::size_t>(m_ipv6) + 40) put16(f + m_ipv6 + 4, length - static_cast<std::size_t>(m_ipv6) - 40);
+    if (m_l4 == L4::Udp && length >= static_cast<std::size_t>(m_l4Offset) + 8) put16(f + m_l4Offset + 4, length - static_cast<std::size_t>(m_l4Offset));
+}
+
+std::size_t FrameChecksums::HeadersEnd() const {
+    if (m_l4Offset >= 0) {
+        const auto at = static_cast<std::size_t>(m_l4Offset);
+        switch (m_l4) {
+            case L4::Udp:
+            case L4::Icmp4:
+            case L4::Icmp6:
+                return at + 8;
+            case L4::Tcp:
+                return at + std::max<std::size_t>(20, (m_template[at + 12] >> 4) * 4u);
+            case L4::None:
+                return at;
+        }
+    }
+    return m_headersEnd;
 }
 
 std::size_t FrameChecksums::ChecksumOffset() const {
     return m_l4 == L4::Udp ? 6 : m_l4 == L4::Tcp ? 16 : 2;
 }
 
-bool FrameChecksums::Segment(const std::uint8_t* f, std::size_t& length) const {
+bool FrameChecksums::Segment(const std::uint8_t* f, std::size_t frameLength, std::size_t& length) const {
     if (m_l4 == L4::None) return false;
     if (m_ipv4 >= 0) {
         const std::uint8_t* ip = f + m_ipv4;
         const std::size_t ihl = (ip[0] & 0x0fu) * 4u, total = be16(ip + 2);
         const bool fragment = (be16(ip + 6) & 0x3fffu) != 0;  // more fragments, or an offset
         if (fragment || ihl != static_cast<std::size_t>(m_l4Offset - m_ipv4) || total < ihl ||
-            static_cast<std::size_t>(m_ipv4) + total > m_length)
+            static_cast<std::size_t>(m_ipv4) + total > frameLength)
             return false;
         length = total - ihl;
     } else {
         length = be16(f + m_ipv6 + 4);
-        if (static_cast<std::size_t>(m_l4Offset) + length > m_length) return false;
+        if (static_cast<std::size_t>(m_l4Offset) + length > frameLength) return false;
     }
     if (m_l4 == L4::Udp) {
         const std::size_t udpLength = be16(f + m_l4Offset + 4);
@@ -209,17 +244,17 @@ std::uint64_t FrameChecksums::PseudoHeader(std::size_t length) const {
     return add_bytes(words, 8, 0);
 }
 
-void FrameChecksums::Full(std::uint8_t* f) const {
+void FrameChecksums::Full(std::uint8_t* f, std::size_t frameLength) const {
     if (m_ipv4Header) {
         std::uint8_t* ip = f + m_ipv4;
         const std::size_t ihl = (ip[0] & 0x0fu) * 4u;
-        if (ihl < 20 || static_cast<std::size_t>(m_ipv4) + ihl > m_length) return;
+        if (ihl < 20 || static_cast<std::size_t>(m_ipv4) + ihl > frameLength) return;
         ip[10] = 0;
         ip[11] = 0;
         store(ip + 10, static_cast<std::uint16_t>(~fold(add_bytes(ip, ihl, 0))));
     }
     std::size_t length = 0;
-    if (!Segment(f, length)) return;
+    if (!Segment(f, frameLength, length)) return;
     std::uint8_t* seg = f + m_l4Offset;
     const std::size_t at = ChecksumOffset();
     seg[at] = 0;
@@ -237,7 +272,7 @@ void FrameChecksums::Apply(std::uint8_t* first, std::size_t count, std::size_t s
     if (m_quick) {
         for (std::size_t k = 0; k < count; ++k) Quick(first + k * stride);
     } else {
-        for (std::size_t k = 0; k < count; ++k) Full(first + k * stride);
+        for (std::size_t k = 0; k < count; ++k) Full(first + k * stride, m_length);
     }
 }
 

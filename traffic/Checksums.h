@@ -35,13 +35,25 @@ class FrameChecksums {
     void Apply(std::uint8_t* frame) const;
     // The same for `count` frames `stride` bytes apart.
     void Apply(std::uint8_t* first, std::size_t count, std::size_t stride) const;
+    // Recomputes the checksums of a frame of `length` bytes (the template's headers at their
+    // places, any payload) from all its bytes.
+    void Apply(std::uint8_t* frame, std::size_t length) const;
+
+    // Sets the length fields (IPv4 total length, IPv6 payload length, UDP length) of a frame
+    // of `length` bytes so that its packet ends where the frame ends. Fields whose header the
+    // frame cuts are left alone.
+    void SetLengths(std::uint8_t* frame, std::size_t length) const;
+    // Where the template's headers end: after the transport header (UDP, ICMP: 8 bytes; TCP:
+    // its data offset), else after the IP header, else after the Ethernet header and tags.
+    std::size_t HeadersEnd() const;
+    std::size_t TemplateLength() const { return m_length; }
 
   private:
     enum class L4 { None, Udp, Tcp, Icmp4, Icmp6 };
-    void Full(std::uint8_t* frame) const;
+    void Full(std::uint8_t* frame, std::size_t frameLength) const;
     // The transport segment's length in `frame` when its checksum applies (sound lengths,
     // not a fragment).
-    bool Segment(const std::uint8_t* frame, std::size_t& length) const;
+    bool Segment(const std::uint8_t* frame, std::size_t frameLength, std::size_t& length) const;
     // The pseudo-header's protocol and length words (none for ICMPv4).
     std::uint64_t PseudoHeader(std::size_t length) const;
     std::size_t ChecksumOffset() const;
@@ -60,6 +72,7 @@ class FrameChecksums {
     std::size_t m_l4Checksum = 0;
     std::vector<std::uint8_t> m_template;
     std::size_t m_length = 0;
+    std::size_t m_headersEnd = 0;  // without a transport header
     long m_ipv4 = -1;
     long m_ipv6 = -1;
     long m_l4Offset = -1;

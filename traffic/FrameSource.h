@@ -11,8 +11,8 @@ namespace vrm::traffic {
 class FrameSource {
   public:
     virtual ~FrameSource() = default;
-    // The longest frame Stamp writes, in bytes (a frame check sequence included when the
-    // source appends one).
+    // The room a frame needs in Stamp's output, in bytes: at least the longest frame it writes
+    // (a frame check sequence included when the source appends one).
     virtual std::size_t MaxLength() const = 0;
     // Writes frames first .. first + count - 1: frame first + k at out + k * stride
     // (stride >= MaxLength()), its length in lengths[k] and its time in nanoseconds since the
