@@ -1,6 +1,7 @@
 #include "traffic/FrameBytes.h"
 
 #include <array>
+#include <cstring>
 
 namespace vrm::traffic {
 
@@ -9,6 +10,8 @@ namespace {
 constexpr std::uint64_t kMask28 = (std::uint64_t{1} << 28) - 1;
 constexpr std::uint64_t kMask56 = (std::uint64_t{1} << 56) - 1;
 constexpr std::uint64_t kMask62 = (std::uint64_t{1} << 62) - 1;
+// Bytes made from the degree-31 recurrence before the unit-wide ones take over.
+constexpr std::size_t kHead = 62;
 
 // With the latest 31 bits of the sequence in the low bits of w (the newest lowest), the next
 // 28: s[k] = s[k-31] ^ s[k-28].
@@ -19,6 +22,26 @@ inline std::uint64_t next56(std::uint64_t w) { return ((w >> 6) ^ w) & kMask56; 
 
 inline void put56(unsigned char* out, std::uint64_t c, std::size_t n) {
     for (std::size_t b = 0; b < n; ++b) out[b] = static_cast<unsigned char>(c >> (48 - 8 * b));
+}
+
+// Fills out[done, min(end, n)) with units of U bytes: unit m = unit m-31 ^ unit m-28 (bytes
+// at the end that make no whole unit byte by byte, with the same distances). Returns where
+// it stopped.
+template <class U>
+std::size_t units(unsigned char* out, std::size_t done, std::size_t n, std::size_t end) {
+    constexpr std::size_t far = 31 * sizeof(U), near = 28 * sizeof(U);
+    const std::size_t stop = end < n ? end : n;
+    for (; done + sizeof(U) <= stop; done += sizeof(U)) {
+        U x, y;
+        std::memcpy(&x, out + done - far, sizeof(U));
+        std::memcpy(&y, out + done - near, sizeof(U));
+        x = static_cast<U>(x ^ y);
+        std::memcpy(out + done, &x, sizeof(U));
+    }
+    if (stop == n) {
+        for (; done < n; ++done) out[done] = static_cast<unsigned char>(out[done - far] ^ out[done - near]);
+    }
+    return done;
 }
 
 std::array<std::array<std::uint32_t, 256>, 8> make_crc32_tables() {
@@ -51,15 +74,31 @@ void prbs31_fill(std::uint32_t state, unsigned char* out, std::size_t n) {
     const std::uint64_t t3 = next28(((s59 << 28) | t2) & kMask62);
     std::uint64_t prev = s59 >> 3;                                  // c0
     std::uint64_t cur = ((s59 & 7u) << 53) | (t2 << 25) | (t3 >> 3);  // c1
-    while (n >= 7) {
-        put56(out, prev, 7);
-        out += 7;
-        n -= 7;
+    // The first 62 bytes 56 bits at a time (8-byte stores overlapping by one byte).
+    const std::size_t head = n < kHead ? n : kHead;
+    std::size_t done = 0;
+    while (done + 8 <= head) {
+        const std::uint64_t be = __builtin_bswap64(prev << 8);
+        std::memcpy(out + done, &be, 8);
+        done += 7;
         const std::uint64_t next = next56(((prev << 56) | cur) & kMask62);
         prev = cur;
         cur = next;
     }
-    put56(out, prev, n);
+    while (done < head) {
+        const std::size_t k = head - done < 7 ? head - done : 7;
+        put56(out + done, prev, k);
+        done += k;
+        const std::uint64_t next = next56(((prev << 56) | cur) & kMask62);
+        prev = cur;
+        cur = next;
+    }
+    // The polynomial to the power 8u (u = 2, 4, 8 bytes): s[k] = s[k - 248u] ^ s[k - 224u],
+    // so each u-byte unit of the output is the XOR of the units 31 and 28 places back. Each
+    // unit width takes over once 31 units of it exist.
+    done = units<std::uint16_t>(out, done, n, 124);
+    done = units<std::uint32_t>(out, done, n, 248);
+    units<std::uint64_t>(out, done, n, n);
 }
 
 std::uint32_t crc32_ethernet(const unsigned char* p, std::size_t n) {
@@ -78,12 +117,18 @@ std::uint32_t crc32_ethernet(const unsigned char* p, std::size_t n) {
 }
 
 std::uint16_t crc16_ccitt(const unsigned char* p, std::size_t n) {
-    std::uint32_t c = 0xffff;
-    for (std::size_t i = 0; i < n; ++i) {
-        c ^= static_cast<std::uint32_t>(p[i]) << 8;
-        for (int k = 0; k < 8; ++k) c = (c & 0x8000u) != 0 ? (c << 1) ^ 0x1021u : c << 1;
-    }
-    return static_cast<std::uint16_t>(c);
+    static const auto table = [] {
+        std::array<std::uint16_t, 256> t{};
+        for (std::uint32_t i = 0; i < 256; ++i) {
+            std::uint32_t c = i << 8;
+            for (int k = 0; k < 8; ++k) c = (c & 0x8000u) != 0 ? (c << 1) ^ 0x1021u : c << 1;
+            t[i] = static_cast<std::uint16_t>(c);
+        }
+        return t;
+    }();
+    std::uint16_t c = 0xffff;
+    for (std::size_t i = 0; i < n; ++i) c = static_cast<std::uint16_t>((c << 8) ^ table[((c >> 8) ^ p[i]) & 0xffu]);
+    return c;
 }
 
 }  // namespace vrm::traffic
