@@ -4,14 +4,21 @@ Run by ctest with PYTHONPATH at the built module, VRM_STREAMGEN the streamgen bi
 VRM_EXAMPLES the shipped example blocks.
 """
 
+import contextlib
 import errno
 import glob
+import importlib.util
+import io
 import json
 import os
 import pathlib
+import re
 import struct
 import subprocess
+import sys
 import tempfile
+import textwrap
+import threading
 import unittest
 
 import vrm
@@ -349,6 +356,74 @@ class Errors(unittest.TestCase):
                 self.assertRaisesRegex(ValueError, "embedded null byte", call)
         self.assertEqual(sorted(os.listdir(tmp)), ["a-file", "reference.pcap"])  # nothing left behind
 
+    def test_concurrent_pcap_writes(self):
+        # Two Python threads writing at once (each call releases the GIL) get the files each
+        # would get alone.
+        jobs = [(VALID[0], 30000, 2), (VALID[-1], 20000, 1)]
+        expected = []
+        for path, count, _ in jobs:
+            out = os.path.join(self.tmp.name, "expected.pcap")
+            streamgen("frames", path, "-o", out, "--count", str(count))
+            with open(out, "rb") as f:
+                expected.append(f.read())
+        start = threading.Barrier(len(jobs))
+        errors = []
+
+        def write(k, path, count, threads):
+            try:
+                block = vrm.Block.from_json(path)
+                start.wait()
+                block.write_pcap(os.path.join(self.tmp.name, "%d.pcap" % k), count, threads=threads)
+            except Exception as e:  # reported by the main thread
+                errors.append(e)
+
+        workers = [threading.Thread(target=write, args=(k, *job)) for k, job in enumerate(jobs)]
+        for w in workers:
+            w.start()
+        for w in workers:
+            w.join()
+        self.assertEqual(errors, [])
+        for k, data in enumerate(expected):
+            with open(os.path.join(self.tmp.name, "%d.pcap" % k), "rb") as f:
+                self.assertEqual(f.read(), data, "thread %d" % k)
+
+    def test_keyboard_interrupt_after_each_call(self):
+        # The module installs no signal handlers: after any of its calls, SIGINT still raises
+        # KeyboardInterrupt and the interpreter goes on.
+        script = textwrap.dedent("""
+            import os, signal, sys, tempfile, time
+            import vrm
+            block = vrm.Block.from_json(sys.argv[2])
+            plan = block.plan()
+            out = tempfile.mkdtemp()
+            calls = {
+                "write_pcap": lambda: block.write_pcap(os.path.join(out, "x.pcap"), 5000, threads=2),
+                "write_pcap failing": lambda: block.write_pcap(os.path.join(out, "no", "x.pcap"), 1),
+                "from_json failing": lambda: vrm.Block.from_json(os.path.join(out, "missing.json")),
+                "stamp": lambda: plan.stamp(0, 5000),
+                "frame": lambda: plan.frame(5),
+                "values": lambda: block.values(3),
+                "request": lambda: vrm.decode(vrm.request("Generator_3", "Reset")),
+            }
+            try:
+                calls[sys.argv[1]]()
+            except OSError:
+                pass
+            try:
+                os.kill(os.getpid(), signal.SIGINT)
+                time.sleep(30)  # a signal left unhandled ends it early
+            except KeyboardInterrupt:
+                print("KeyboardInterrupt")
+            print("still running")
+        """)
+        for call in ("write_pcap", "write_pcap failing", "from_json failing", "stamp", "frame", "values",
+                     "request"):
+            with self.subTest(call=call):
+                done = subprocess.run([sys.executable, "-c", script, call, IPV4], capture_output=True, text=True,
+                                      timeout=120)
+                self.assertEqual((done.returncode, done.stdout), (0, "KeyboardInterrupt\nstill running\n"),
+                                 done.stderr)
+
     def test_library_errors_map_to_python_exceptions(self):
         invalid = vrm.Block.from_json(INVALID)
         ipv4 = vrm.Block.from_json(IPV4)
@@ -406,6 +481,111 @@ class Errors(unittest.TestCase):
                     call()
                 self.assertIn(text, str(caught.exception))
         self.assertTrue(issubclass(vrm.MessageError, ValueError))
+
+
+def have(module):
+    return importlib.util.find_spec(module) is not None
+
+
+class Stub(unittest.TestCase):
+    # A script using the module as its documentation shows, with the types the stub gives.
+    # Lines marked "type: ignore[...]" are calls the stub must refuse: --warn-unused-ignores
+    # reports them if it accepts them.
+    SCRIPT = textwrap.dedent("""
+        from __future__ import annotations
+
+        import array
+        import pathlib
+        import sys
+        from typing import Any, Dict, List, Optional
+
+        import vrm
+
+        block: vrm.Block = vrm.Block.from_json(pathlib.Path(sys.argv[1]))
+        same: vrm.Block = vrm.Block.from_json(sys.argv[1])
+        lines: List[str] = block.validate()
+        valid: bool = block.valid
+        values: Dict[int, bytes] = block.values(2**32 - 1)
+        mods: List[vrm.ModifierInfo] = block.modifiers
+        field: Optional[str] = mods[0]["field"]
+        frames: Optional[int] = block.frames
+        again: vrm.Block = vrm.Block.from_dict(block.to_dict())
+
+        plan: vrm.Plan = block.plan()
+        length: int = plan.frame_length
+        cycle: int = plan.cycle_length
+        stamped: bytearray = plan.stamp(0, 4)
+        raw: bytearray = plan.stamp(0, 4, None, False)
+        view: memoryview = plan.stamp(0, 4, memoryview(bytearray(4 * length)), checksums=False)
+        arr: array.array[int] = plan.stamp(1, 1, array.array("B", bytes(length)))
+        one: bytes = plan.frame(3, checksums=False)
+        summary: vrm.PcapSummary = block.write_pcap(pathlib.Path(sys.argv[2]), 3, threads=2, checksums=False)
+        written: int = block.write_pcap(sys.argv[2])["frames"]
+
+        wire: bytes = vrm.request("Generator_3", "Reset")
+        decoded: Dict[str, Any] = vrm.decode(bytearray(wire))
+        reply = vrm.response("Generator_3", "GetRunState", isRunning=True)
+        parsed: Dict[str, Any] = vrm.parse_response("Generator_3", "GetRunState", memoryview(reply))
+        listed: Dict[str, List[str]] = vrm.members("Generator_3", "Reset")
+        names: List[str] = vrm.modules() + vrm.methods("Generator_3")
+        error: type[ValueError] = vrm.MessageError
+
+        if sys.argv[3:] == ["refused"]:
+            plan.stamp(0, 1, b"read-only")  # type: ignore[call-overload]
+            block.write_pcap(3)  # type: ignore[arg-type]
+            plan.frame("3")  # type: ignore[arg-type]
+            vrm.decode("text")  # type: ignore[arg-type]
+        """)
+    NUMPY = textwrap.dedent("""
+        import numpy as np
+        import numpy.typing as npt
+
+        into: npt.NDArray[np.uint8] = plan.stamp(0, 4, np.empty((4, length), dtype=np.uint8))
+        """)
+
+    def setUp(self):
+        self.tmp = tempfile.TemporaryDirectory()
+        self.addCleanup(self.tmp.cleanup)
+        self.script = os.path.join(self.tmp.name, "typed.py")
+        with open(self.script, "w") as f:
+            f.write(self.SCRIPT + (self.NUMPY if have("numpy") else ""))
+
+    def test_typed_script_runs(self):
+        subprocess.run([sys.executable, self.script, IPV4, os.path.join(self.tmp.name, "x.pcap")], check=True,
+                       capture_output=True)
+
+    def test_stub_passes_mypy(self):
+        if not have("mypy"):
+            self.skipTest("mypy is not installed")
+        stub = ROOT / "python" / "vrm.pyi"
+        env = dict(os.environ, MYPYPATH=str(stub.parent))
+        done = subprocess.run([sys.executable, "-m", "mypy", "--strict", "--warn-unused-ignores", "--no-incremental",
+                               "--cache-dir", os.path.join(self.tmp.name, "cache"), str(stub), self.script],
+                              capture_output=True, text=True, env=env)
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+
+
+class Docs(unittest.TestCase):
+    def test_python_examples_run(self):
+        # Every python block of docs/python.md, in order and in one namespace as a reader would
+        # type them, in a fresh directory where examples/ is the shipped examples.
+        with open(ROOT / "docs" / "python.md") as f:
+            blocks = re.findall(r"^```python\n(.*?)^```", f.read(), re.S | re.M)
+        self.assertGreater(len(blocks), 3)
+        tmp = tempfile.TemporaryDirectory()
+        self.addCleanup(tmp.cleanup)
+        os.symlink(EXAMPLES, os.path.join(tmp.name, "examples"))
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(tmp.name)
+        namespace = {}
+        for k, code in enumerate(blocks):
+            with self.subTest(block=k, first_line=code.splitlines()[0]):
+                needs = [m for m in ("numpy", "scapy") if re.search(r"^\s*(import|from) %s\b" % m, code, re.M)]
+                missing = [m for m in needs if not have(m)]
+                if missing:
+                    self.skipTest("%s is not installed" % ", ".join(missing))
+                with contextlib.redirect_stdout(io.StringIO()):
+                    exec(compile(code, "docs/python.md block %d" % k, "exec"), namespace)
 
 
 if __name__ == "__main__":
