@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <limits>
+#include <cstring>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -30,7 +30,8 @@ using vrm::traffic::BlockModifiers;
 using vrm::common::FramePlan;
 using vrm::common::StreamBlockModifiers;
 
-constexpr std::uint64_t kIndexLimit = std::uint64_t{1} << 32;  // value indexes are 32-bit in the library
+// Frames 0 .. 2**32-1: the library's frame indexes are 32-bit, for values, frames and pcaps alike.
+constexpr std::uint64_t kFrameCount = std::uint64_t{1} << 32;
 
 struct Block {
     BlockInput in;
@@ -60,23 +61,73 @@ std::unique_ptr<StreamBlockModifiers> library_modifiers(const BlockInput& in) {
     return lib;
 }
 
+// The frame plan and the checksums that streamgen frames recomputes in each frame.
 struct Plan {
     FramePlan plan;
+    vrm::traffic::FrameChecksums sums;
 };
 
 Plan make_plan(const Block& b) {
     b.require_valid();
     if (b.in.frame.empty()) throw vrm::traffic::InputError("baseStream.frame.data", "the frame template is empty");
     b.mods->PlaceFields(b.in);
-    return Plan{b.mods->MakePlan(b.in)};
+    Plan p{b.mods->MakePlan(b.in), vrm::traffic::FrameChecksums(b.in.frame)};
+    p.sums.SetChangingBits(b.mods->WrittenBits(b.in));
+    return p;
 }
 
+bool less(const py::int_& a, std::uint64_t b) {
+    const int r = PyObject_RichCompareBool(a.ptr(), py::int_(b).ptr(), Py_LT);
+    if (r < 0) throw py::error_already_set();
+    return r == 1;
+}
+
+std::string str_of(const py::int_& i) { return py::str(py::handle(i)); }
+
+// An index argument: IndexError outside frames 0 .. 2**32-1.
 std::uint64_t frame_index(const py::int_& i) {
-    if (PyObject_RichCompareBool(i.ptr(), py::int_(0).ptr(), Py_LT) == 1)
-        throw py::index_error("frame index " + std::string(py::str(py::handle(i))) + " is negative");
-    if (PyObject_RichCompareBool(i.ptr(), py::int_(std::numeric_limits<std::uint64_t>::max()).ptr(), Py_GT) == 1)
-        throw py::index_error("frame index " + std::string(py::str(py::handle(i))) + " is beyond 64 bits");
+    if (less(i, 0) || !less(i, kFrameCount)) {
+        throw py::index_error("frame index " + str_of(i) + " is outside the frames 0 .. " +
+                              std::to_string(kFrameCount - 1));
+    }
     return i.cast<std::uint64_t>();
+}
+
+// A count of frames from frame `first`: ValueError when negative, IndexError when the frames
+// would go past the last one, 2**32-1.
+std::uint64_t frame_count(const py::int_& n, std::uint64_t first) {
+    if (less(n, 0)) throw py::value_error("count " + str_of(n) + " is negative");
+    if (!less(n, kFrameCount - first + 1)) {
+        throw py::index_error("count " + str_of(n) + " from frame " + std::to_string(first) +
+                              " goes past the last frame, " + std::to_string(kFrameCount - 1));
+    }
+    return n.cast<std::uint64_t>();
+}
+
+// The bytes of a path argument (str, bytes or os.PathLike) as os.fsencode gives them; as open()
+// does, TypeError for anything else and ValueError for a NUL byte, which would cut the name.
+std::string path_bytes(const py::object& path) {
+    std::string bytes = py::module_::import("os").attr("fsencode")(path).cast<std::string>();
+    if (bytes.find('\0') != std::string::npos) throw py::value_error("embedded null byte in the path");
+    return bytes;
+}
+
+// Raises the OSError that the library's I/O failure `message` ("<file>: <reason>" or
+// "<reason>", the reason a strerror text) stands for. The library reports only the text, so the
+// errno is the one whose text the reason is: with it OSError picks its subclass
+// (FileNotFoundError, IsADirectoryError, ...) and carries errno, strerror and `filename`.
+[[noreturn]] void raise_os_error(const std::string& message, const py::object& filename) {
+    const std::size_t colon = message.rfind(": ");
+    const std::string reason = colon == std::string::npos ? message : message.substr(colon + 2);
+    for (int e = 1; e < 256; ++e) {
+        if (reason == std::strerror(e)) {
+            const py::object error = py::handle(PyExc_OSError)(e, reason, filename);
+            PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(error.ptr())), error.ptr());
+            throw py::error_already_set();
+        }
+    }
+    PyErr_SetString(PyExc_OSError, message.c_str());
+    throw py::error_already_set();
 }
 
 // A writable C-contiguous buffer, held for the duration of a call.
@@ -96,49 +147,59 @@ class WritableBuffer {
     Py_buffer m_view{};
 };
 
-std::size_t bytes_for(std::size_t count, std::size_t length) {
-    constexpr auto kMax = static_cast<std::size_t>(PY_SSIZE_T_MAX);
-    if (length != 0 && count > kMax / length)
-        throw std::invalid_argument(std::to_string(count) + " frames do not fit in memory");
-    return count * length;
+// Bytes of `count` frames of `length` bytes (count <= 2**32 and a frame of at most the 64 MiB
+// of a block file keep the product within 64 bits); MemoryError beyond what an object holds.
+std::size_t bytes_for(std::uint64_t count, std::size_t length) {
+    const std::uint64_t need = count * length;
+    if (need > static_cast<std::uint64_t>(PY_SSIZE_T_MAX)) {
+        PyErr_SetString(PyExc_MemoryError, (std::to_string(count) + " frames do not fit in memory").c_str());
+        throw py::error_already_set();
+    }
+    return static_cast<std::size_t>(need);
 }
 
-void stamp_into(const FramePlan& plan, std::uint64_t first, std::size_t count, unsigned char* out) {
+void stamp_into(const Plan& p, std::uint64_t first, std::size_t count, unsigned char* out, bool checksums) {
     py::gil_scoped_release release;
-    plan.Stamp(first, count, out, plan.FrameLength());
+    p.plan.Stamp(first, count, out, p.plan.FrameLength());
+    if (checksums) p.sums.Apply(out, count, p.plan.FrameLength());
 }
 
-py::object stamp(const Plan& p, const py::int_& firstIndex, std::size_t count, const py::object& out) {
+py::object stamp(const Plan& p, const py::int_& firstIndex, const py::int_& countArg, const py::object& out,
+                 bool checksums) {
     const std::uint64_t first = frame_index(firstIndex);
-    const std::size_t need = bytes_for(count, p.plan.FrameLength());
+    const std::uint64_t count = frame_count(countArg, first);
     if (out.is_none()) {
+        const std::size_t need = bytes_for(count, p.plan.FrameLength());
         PyObject* o = PyByteArray_FromStringAndSize(nullptr, static_cast<Py_ssize_t>(need));
         if (!o) throw py::error_already_set();
         py::object result = py::reinterpret_steal<py::object>(o);
-        stamp_into(p.plan, first, count, reinterpret_cast<unsigned char*>(PyByteArray_AS_STRING(o)));
+        stamp_into(p, first, static_cast<std::size_t>(count),
+                   reinterpret_cast<unsigned char*>(PyByteArray_AS_STRING(o)), checksums);
         return result;
     }
     WritableBuffer buffer(out);
+    const std::uint64_t need = count * p.plan.FrameLength();
     if (buffer.size() < need) {
         throw std::invalid_argument("the buffer holds " + std::to_string(buffer.size()) + " bytes; " +
                                     std::to_string(count) + " frames of " + std::to_string(p.plan.FrameLength()) +
                                     " bytes need " + std::to_string(need));
     }
-    stamp_into(p.plan, first, count, buffer.data());
+    stamp_into(p, first, static_cast<std::size_t>(count), buffer.data(), checksums);
     return out;
 }
 
-py::bytes frame(const Plan& p, const py::int_& index) {
+py::bytes frame(const Plan& p, const py::int_& index, bool checksums) {
     const std::uint64_t i = frame_index(index);
     PyObject* o = PyBytes_FromStringAndSize(nullptr, static_cast<Py_ssize_t>(p.plan.FrameLength()));
     if (!o) throw py::error_already_set();
     py::bytes result = py::reinterpret_steal<py::bytes>(o);
-    stamp_into(p.plan, i, 1, reinterpret_cast<unsigned char*>(PyBytes_AS_STRING(o)));
+    stamp_into(p, i, 1, reinterpret_cast<unsigned char*>(PyBytes_AS_STRING(o)), checksums);
     return result;
 }
 
-double stamp_native(const Plan& p, const py::int_& firstIndex, std::uint64_t count, std::size_t chunk) {
+double stamp_native(const Plan& p, const py::int_& firstIndex, const py::int_& countArg, std::size_t chunk) {
     const std::uint64_t first = frame_index(firstIndex);
+    const std::uint64_t count = frame_count(countArg, first);
     if (chunk == 0) throw std::invalid_argument("chunk: expected at least one frame");
     std::vector<unsigned char> buffer(bytes_for(chunk, p.plan.FrameLength()));
     py::gil_scoped_release release;
@@ -151,28 +212,33 @@ double stamp_native(const Plan& p, const py::int_& firstIndex, std::uint64_t cou
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
 }
 
-py::dict write_pcap(const Block& b, const std::string& path, const py::object& countArg, unsigned threads,
+py::dict write_pcap(const Block& b, const py::object& pathArg, const py::object& countArg, unsigned threads,
                     bool checksums) {
+    const std::string path = path_bytes(pathArg);
     if (threads < 1 || threads > 256) throw std::invalid_argument("threads: expected 1 to 256");
     std::uint64_t count = 16;
     if (!countArg.is_none()) {
         if (!PyLong_Check(countArg.ptr())) throw py::type_error("count: expected an int or None");
-        count = frame_index(countArg.cast<py::int_>());
+        count = frame_count(countArg.cast<py::int_>(), 0);
     } else if (b.in.frames) {
-        count = *b.in.frames;
+        count = *b.in.frames;  // a uint32 in the block file
     }
     const Plan p = make_plan(b);
     vrm::traffic::PcapSummary s;
-    vrm::traffic::FrameChecksums sums(b.in.frame);
-    sums.SetChangingBits(b.mods->WrittenBits(b.in));
     vrm::traffic::PcapOptions options;
     options.threads = threads;
-    options.checksums = checksums ? &sums : nullptr;
+    options.checksums = checksums ? &p.sums : nullptr;
     const vrm::traffic::FrameStamp stamp = [&p](std::uint64_t first, std::size_t n, unsigned char* at,
                                              std::size_t stride) { p.plan.Stamp(first, n, at, stride); };
-    {
+    try {
         py::gil_scoped_release release;
         s = vrm::traffic::write_pcap(path, count, p.plan.FrameLength(), stamp, options);
+    } catch (const vrm::traffic::InputError&) {
+        throw;
+    } catch (const vrm::traffic::BuildError&) {
+        throw;
+    } catch (const std::runtime_error& e) {  // the output file's failures
+        raise_os_error(e.what(), pathArg);
     }
     py::dict d;
     d["frames"] = s.frames;
@@ -181,31 +247,27 @@ py::dict write_pcap(const Block& b, const std::string& path, const py::object& c
     return d;
 }
 
-std::shared_ptr<Block> from_json(const py::object& source) {
-    const py::module_ os = py::module_::import("os");
-    if (py::isinstance(source, os.attr("PathLike"))) {
-        const py::object path = os.attr("fsdecode")(source);
-        return std::make_shared<Block>(vrm::traffic::load_block(path.cast<std::string>()));
+// The block in the file at `path` (str or os.PathLike); OSError when it cannot be read.
+std::shared_ptr<Block> load(const py::object& path) {
+    const std::string file = path_bytes(path);
+    std::string text;
+    try {
+        text = vrm::traffic::read_block_text(file);
+    } catch (const std::runtime_error& e) {
+        raise_os_error(e.what(), path);
     }
+    return std::make_shared<Block>(vrm::traffic::parse_block(text));
+}
+
+std::shared_ptr<Block> from_json(const py::object& source) {
+    if (py::isinstance(source, py::module_::import("os").attr("PathLike"))) return load(source);
     std::string s;
     if (py::isinstance<py::bytes>(source)) {
         s = source.cast<std::string>();
     } else if (py::isinstance<py::str>(source)) {
         s = source.cast<std::string>();
         const std::size_t start = s.find_first_not_of(" \t\r\n");
-        if (start == std::string::npos || s[start] != '{') {
-            try {
-                return std::make_shared<Block>(vrm::traffic::load_block(s));
-            } catch (const vrm::traffic::InputError&) {
-                throw;
-            } catch (const std::runtime_error& e) {
-                // "<file>: <reason>", whether or not the reader names the file itself.
-                const std::string what = e.what();
-                const std::string message = what.rfind(s + ":", 0) == 0 ? what : s + ": " + what;
-                PyErr_SetString(PyExc_OSError, message.c_str());
-                throw py::error_already_set();
-            }
-        }
+        if (start == std::string::npos || s[start] != '{') return load(source);
     } else {
         throw py::type_error("expected JSON text, a path or bytes, got a " +
                              std::string(py::str(py::type::handle_of(source).attr("__name__"))));
@@ -226,7 +288,6 @@ py::list validation_lines(const Block& b) {
 
 py::dict values(Block& b, const py::int_& index) {
     const std::uint64_t i = frame_index(index);
-    if (i >= kIndexLimit) throw py::index_error("frame indexes go up to " + std::to_string(kIndexLimit - 1));
     b.require_valid();
     py::dict out;
     std::vector<uint8_t> v;
@@ -274,9 +335,11 @@ py::list modifiers(const Block& b) {
 
 void bind_blocks(py::module_& m) {
     py::class_<Plan>(m, "Plan",
-                     "A block's frames compiled for bulk stamping: frame i is byte for byte what the\n"
-                     "per-frame path (streamgen frames) writes for frame i. Immutable; stamping releases\n"
-                     "the GIL, so threads may stamp one plan at once.")
+                     "A block's frames compiled for bulk stamping: frame i is byte for byte what\n"
+                     "streamgen frames writes for frame i, checksums recomputed (checksums=False: the\n"
+                     "bytes as the modifiers leave them, as --checksums keep writes). Frames are\n"
+                     "0 .. 2**32-1. Immutable; stamping releases the GIL, so threads may stamp one plan\n"
+                     "at once.")
         .def_property_readonly(
             "frame_length", [](const Plan& p) { return p.plan.FrameLength(); }, "Bytes per frame.")
         .def_property_readonly(
@@ -284,14 +347,21 @@ void bind_blocks(py::module_& m) {
             "Frames after which the frames repeat (a period, not always the shortest); 0 when it\n"
             "does not fit in 64 bits.")
         .def("stamp", &stamp, py::arg("first"), py::arg("count"), py::arg("out") = py::none(),
+             py::arg("checksums") = true,
              "Frames first .. first+count-1, back to back. Without `out`, a new bytearray of\n"
              "count * frame_length bytes; with `out` (any writable C-contiguous buffer: bytearray,\n"
              "memoryview, NumPy array) the frames are written into it without a copy and `out` is\n"
-             "returned. Raises IndexError for a negative first, ValueError for a buffer too small.")
-        .def("frame", &frame, py::arg("index"), "Frame `index` as bytes.")
+             "returned. IPv4, UDP, TCP and ICMP checksums are recomputed unless checksums=False.\n"
+             "Raises IndexError for a first outside 0 .. 2**32-1 or frames past 2**32-1,\n"
+             "ValueError for a negative count or a buffer too small, MemoryError when the new\n"
+             "bytearray cannot be allocated.")
+        .def("frame", &frame, py::arg("index"), py::arg("checksums") = true,
+             "Frame `index` (0 .. 2**32-1) as bytes, checksums recomputed unless checksums=False.\n"
+             "Raises IndexError for an index outside.")
         .def("_stamp_native", &stamp_native, py::arg("first"), py::arg("count"), py::arg("chunk"),
              "Seconds the library takes, in C++ alone, to stamp frames first .. first+count-1 in\n"
-             "chunks of `chunk` frames into one buffer: the baseline of the stamping benchmark.");
+             "chunks of `chunk` frames into one buffer (no checksums): the baseline of the\n"
+             "stamping benchmark.");
 
     py::class_<Block, std::shared_ptr<Block>>(
         m, "Block",
@@ -299,8 +369,10 @@ void bind_blocks(py::module_& m) {
         "the library. Made by Block.from_json or Block.from_dict; a block the library refuses to\n"
         "build raises ValueError, an invalid one is made and says why in validate().")
         .def_static("from_json", &from_json, py::arg("source"),
-                    "A block from JSON text, or from the file at a path (str or os.PathLike). Raises\n"
-                    "ValueError naming the JSON path of bad input, OSError when the file cannot be read.")
+                    "A block from JSON text (str or bytes), or from the file at a path (a str not\n"
+                    "starting with '{', or an os.PathLike). Raises ValueError naming the JSON path of bad\n"
+                    "input, OSError (FileNotFoundError, ... with errno and filename) when the file\n"
+                    "cannot be read.")
         .def_static("from_dict", &from_dict, py::arg("block"),
                     "A block from a dict of the same form as the JSON file (bytes values may stand for\n"
                     "hex text).")
@@ -309,8 +381,8 @@ void bind_blocks(py::module_& m) {
         .def_property_readonly(
             "valid", [](const Block& b) { return b.mods->Valid(); }, "Whether validate() is empty.")
         .def("values", &values, py::arg("frame"),
-             "{modIndex: value bytes} of frame `frame` (0 <= frame < 2**32), computed by index.\n"
-             "Raises ValueError for an invalid block, IndexError for an index out of range.")
+             "{modIndex: value bytes} of frame `frame` (0 .. 2**32-1), computed by index.\n"
+             "Raises ValueError for an invalid block, IndexError for an index outside.")
         .def_property_readonly("modifiers", &modifiers,
                                "The modifiers in modIndex order: dicts of modIndex, mode (INCREMENT,\n"
                                "DECREMENT, RANDOM, SHUFFLE or TABLE), width (bytes) and the place the\n"
@@ -332,9 +404,13 @@ void bind_blocks(py::module_& m) {
              "the library refuses.")
         .def("write_pcap", &write_pcap, py::arg("path"), py::arg("count") = py::none(), py::arg("threads") = 1,
              py::arg("checksums") = true,
-             "Writes frames 0 .. count-1 to a pcap file as streamgen frames does (count defaults to\n"
-             "host.frames, else 16); the file is the same for any number of threads. Returns\n"
-             "{'frames', 'bytes', 'seconds'}. Releases the GIL while writing.");
+             "Writes frames 0 .. count-1 to the pcap file `path` (str, bytes or os.PathLike) as\n"
+             "streamgen frames does (count defaults to host.frames, else 16; at most 2**32):\n"
+             "checksums recomputed unless checksums=False, the file the same for any number of\n"
+             "threads and in place only when complete. Returns {'frames', 'bytes', 'seconds'}.\n"
+             "Raises IndexError for a count beyond 2**32, ValueError for a negative one, OSError\n"
+             "(FileNotFoundError, ... with errno and filename) when the file cannot be written.\n"
+             "Releases the GIL while writing.");
 }
 
 }  // namespace vrmpy

@@ -1,12 +1,22 @@
 """Stream blocks (validation, modifier values, frame plans, pcap files) and the request and
 response messages of the Generator_3, ifSetup_1, Stats_1 and LoadProfile_1 modules."""
 
+import array
+import mmap
 import os
-from typing import Any, Dict, List, Optional, TypedDict, TypeVar, Union
+from typing import Any, Dict, List, Optional, Protocol, TypedDict, TypeVar, Union, overload
 
-from typing_extensions import Buffer
+class _ArrayInterface(Protocol):
+    """An array that exposes its memory through the buffer protocol, as a NumPy array does."""
 
-_Buf = TypeVar("_Buf", bound=Buffer)
+    @property
+    def __array_interface__(self) -> Dict[str, Any]: ...
+
+# Objects with the buffer protocol the module takes (any C-contiguous buffer works at run time).
+_ReadableBuffer = Union[bytes, bytearray, memoryview, array.array[Any], mmap.mmap, _ArrayInterface]
+_WritableBuffer = Union[bytearray, memoryview, array.array[Any], mmap.mmap, _ArrayInterface]
+_Buf = TypeVar("_Buf", bound=_WritableBuffer)
+_Path = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
 
 class MessageError(ValueError):
     """A refusal of the message runtime: malformed wire bytes, a value or message of another kind."""
@@ -26,27 +36,35 @@ class PcapSummary(TypedDict):
     seconds: float
 
 class Plan:
-    """A block's frames compiled for bulk stamping; frame i is byte for byte what streamgen
-    frames writes for frame i. Stamping releases the GIL."""
+    """A block's frames compiled for bulk stamping; frame i (0 .. 2**32-1) is byte for byte
+    what streamgen frames writes for frame i, checksums recomputed (checksums=False: as
+    --checksums keep writes). Stamping releases the GIL."""
 
     @property
     def frame_length(self) -> int: ...
     @property
     def cycle_length(self) -> int:
         """Frames after which the frames repeat (0 when that does not fit in 64 bits)."""
-    def stamp(self, first: int, count: int, out: Optional[_Buf] = None) -> Union[bytearray, _Buf]:
-        """Frames first .. first+count-1 back to back: a new bytearray, or written into `out`
-        (a writable C-contiguous buffer, e.g. bytearray or a NumPy uint8 array) and `out`
-        returned."""
-    def frame(self, index: int) -> bytes: ...
+    @overload
+    def stamp(self, first: int, count: int, out: None = None, checksums: bool = True) -> bytearray:
+        """Frames first .. first+count-1 back to back in a new bytearray. IndexError for a
+        first outside 0 .. 2**32-1 or frames past 2**32-1, ValueError for a negative count."""
+    @overload
+    def stamp(self, first: int, count: int, out: _Buf, checksums: bool = True) -> _Buf:
+        """Frames first .. first+count-1 written into `out` (a writable C-contiguous buffer,
+        e.g. bytearray or a NumPy uint8 array), which is returned. ValueError for a buffer
+        too small."""
+    def frame(self, index: int, checksums: bool = True) -> bytes:
+        """Frame `index` (0 .. 2**32-1); IndexError for an index outside."""
 
 class Block:
     """A stream block in streamgen's JSON format, built and validated by the library."""
 
     @staticmethod
-    def from_json(source: Union[str, bytes, "os.PathLike[str]"]) -> "Block":
-        """JSON text, or the path of a JSON file. ValueError for bad input (with its JSON
-        path), OSError for an unreadable file."""
+    def from_json(source: Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]) -> "Block":
+        """JSON text (str or bytes), or the path of a JSON file (a str not starting with '{',
+        or an os.PathLike). ValueError for bad input (with its JSON path), OSError
+        (FileNotFoundError, ...) for an unreadable file."""
     @staticmethod
     def from_dict(block: Dict[str, Any]) -> "Block":
         """A dict of the file's form; bytes values may stand for hex text."""
@@ -55,7 +73,8 @@ class Block:
     @property
     def valid(self) -> bool: ...
     def values(self, frame: int) -> Dict[int, bytes]:
-        """{modIndex: value} of frame `frame` (0 <= frame < 2**32), computed by index."""
+        """{modIndex: value} of frame `frame` (0 .. 2**32-1), computed by index. IndexError
+        for an index outside."""
     @property
     def modifiers(self) -> List[ModifierInfo]: ...
     @property
@@ -66,9 +85,11 @@ class Block:
     def to_dict(self) -> Dict[str, Any]:
         """The stream block record as the library writes it back (what SetStreamBlock sends)."""
     def plan(self) -> Plan: ...
-    def write_pcap(self, path: str, count: Optional[int] = None, threads: int = 1,
+    def write_pcap(self, path: _Path, count: Optional[int] = None, threads: int = 1,
                    checksums: bool = True) -> PcapSummary:
-        """Frames 0 .. count-1 to a pcap file, as streamgen frames writes them."""
+        """Frames 0 .. count-1 (count at most 2**32) to a pcap file, as streamgen frames
+        writes them. IndexError for a count beyond 2**32, ValueError for a negative one,
+        OSError (FileNotFoundError, ...) when the file cannot be written."""
 
 def request(module: str, method: str, /, **members: Any) -> bytes:
     """The wire bytes of a request; members by their wire names (records as dicts, enums as
@@ -77,11 +98,11 @@ def request(module: str, method: str, /, **members: Any) -> bytes:
 def response(module: str, method: str, /, **members: Any) -> bytes:
     """The wire bytes of a response, members given like request()'s."""
 
-def parse_response(module: str, method: str, data: Buffer) -> Dict[str, Any]:
+def parse_response(module: str, method: str, data: _ReadableBuffer) -> Dict[str, Any]:
     """The members of a response as Python values. MessageError for malformed bytes, a
     request, or members of the wrong kind."""
 
-def decode(data: Buffer) -> Dict[str, Any]:
+def decode(data: _ReadableBuffer) -> Dict[str, Any]:
     """{'kind': 'request'|'response', 'name': str, 'members': {...}}."""
 
 def modules() -> List[str]: ...

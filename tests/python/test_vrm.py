@@ -4,19 +4,28 @@ Run by ctest with PYTHONPATH at the built module, VRM_STREAMGEN the streamgen bi
 VRM_EXAMPLES the shipped example blocks.
 """
 
+import contextlib
+import errno
 import glob
+import importlib.util
+import io
 import json
 import os
 import pathlib
+import re
 import struct
 import subprocess
+import sys
 import tempfile
+import textwrap
+import threading
 import unittest
 
 import vrm
 
+ROOT = pathlib.Path(__file__).resolve().parents[2]
 STREAMGEN = os.environ.get("VRM_STREAMGEN", "streamgen")
-EXAMPLES = os.environ.get("VRM_EXAMPLES", str(pathlib.Path(__file__).resolve().parents[2] / "examples"))
+EXAMPLES = os.environ.get("VRM_EXAMPLES", str(ROOT / "examples"))
 INVALID = os.path.join(EXAMPLES, "invalid.json")
 VALID = sorted(p for p in glob.glob(os.path.join(EXAMPLES, "*.json")) if p != INVALID)
 IPV4 = os.path.join(EXAMPLES, "ipv4-udp.json")
@@ -54,33 +63,57 @@ class Blocks(unittest.TestCase):
 
     def test_stamped_frames_equal_streamgen_frames(self):
         count = 300
-        keep = ["--checksums", "keep"]  # the frames as stamped
+        modes = [("checksums recomputed", True, []), ("checksums kept", False, ["--checksums", "keep"])]
         for path in VALID:
-            with self.subTest(example=os.path.basename(path)):
-                pcap = os.path.join(self.tmp.name, "streamgen.pcap")
-                streamgen("frames", path, "-o", pcap, "--count", str(count), *keep)
-                with open(pcap, "rb") as f:
-                    written = f.read()
-                frames = pcap_records(written)
-                block = vrm.Block.from_json(path)
-                plan = block.plan()
-                self.assertEqual(plan.frame_length, len(block.frame_template))
-                self.assertEqual(bytes(plan.stamp(0, count)), b"".join(frames))
-                self.assertEqual(bytes(plan.stamp(120, 50)), b"".join(frames[120:170]))
-                self.assertEqual([plan.frame(i) for i in (0, 1, 299)], [frames[0], frames[1], frames[299]])
-                if plan.cycle_length:
-                    self.assertEqual(plan.frame(plan.cycle_length + 7), frames[7])
-                ours = os.path.join(self.tmp.name, "vrm.pcap")
-                for threads in (1, 3):
-                    summary = block.write_pcap(ours, count, threads=threads, checksums=False)
-                    self.assertEqual(summary["frames"], count)
-                    with open(ours, "rb") as f:
-                        self.assertEqual(f.read(), written)
-                # With checksums recomputed, as streamgen frames writes by default.
-                streamgen("frames", path, "-o", pcap, "--count", str(count))
-                block.write_pcap(ours, count, threads=2)
-                with open(ours, "rb") as f, open(pcap, "rb") as g:
-                    self.assertEqual(f.read(), g.read())
+            block = vrm.Block.from_json(path)
+            plan = block.plan()
+            self.assertEqual(plan.frame_length, len(block.frame_template))
+            for mode, checksums, args in modes:
+                with self.subTest(example=os.path.basename(path), mode=mode):
+                    pcap = os.path.join(self.tmp.name, "streamgen.pcap")
+                    streamgen("frames", path, "-o", pcap, "--count", str(count), *args)
+                    with open(pcap, "rb") as f:
+                        written = f.read()
+                    frames = pcap_records(written)
+                    self.assertEqual(bytes(plan.stamp(0, count, checksums=checksums)), b"".join(frames))
+                    self.assertEqual(bytes(plan.stamp(120, 50, None, checksums)), b"".join(frames[120:170]))
+                    out = bytearray(50 * plan.frame_length)
+                    plan.stamp(7, 50, out, checksums=checksums)
+                    self.assertEqual(bytes(out), b"".join(frames[7:57]))
+                    self.assertEqual([plan.frame(i, checksums=checksums) for i in (0, 1, 299)],
+                                     [frames[0], frames[1], frames[299]])
+                    if checksums:  # the default
+                        self.assertEqual(plan.frame(299), frames[299])
+                        self.assertEqual(bytes(plan.stamp(3, 2)), b"".join(frames[3:5]))
+                    if plan.cycle_length:
+                        self.assertEqual(plan.frame(plan.cycle_length + 7, checksums=checksums), frames[7])
+                    ours = os.path.join(self.tmp.name, "vrm.pcap")
+                    for threads in (1, 3):
+                        summary = block.write_pcap(ours, count, threads=threads, checksums=checksums)
+                        self.assertEqual(summary["frames"], count)
+                        with open(ours, "rb") as f:
+                            self.assertEqual(f.read(), written)
+
+    def test_checksums_agree_with_scapy(self):
+        try:
+            from scapy.layers import inet, inet6  # noqa: F401 (binds IPv4 and IPv6 to Ethernet)
+            from scapy.layers.l2 import Ether
+        except ImportError:
+            self.skipTest("scapy is not installed")
+        for path in VALID:
+            plan = vrm.Block.from_json(path).plan()
+            for i in (0, 1, 2, 3, 17, 1000, 2 ** 32 - 1):
+                with self.subTest(example=os.path.basename(path), frame=i):
+                    frame = plan.frame(i)
+                    pkt = Ether(frame)
+                    cleared = []
+                    for layer in pkt.layers():
+                        for name in ("chksum", "cksum"):
+                            if name in pkt[layer].fields:
+                                setattr(pkt[layer], name, None)  # Scapy computes what is None
+                                cleared.append(layer.__name__)
+                    self.assertTrue(cleared)
+                    self.assertEqual(bytes(pkt), frame, "checksums of %s" % ", ".join(cleared))
 
     def test_stamp_into_caller_buffers(self):
         plan = vrm.Block.from_json(IPV4).plan()
@@ -210,7 +243,8 @@ class Messages(unittest.TestCase):
     def test_cycles_beyond_32_bits_wrap_as_stepping_does(self):
         # Two linked modifiers of 100,000 values: the parent's cycle of 10^10 frames wraps to
         # 10^10 mod 2^32 in the engine's counts, so the parent restarts after that many frames.
-        block = json.load(open(IPV4))
+        with open(IPV4) as f:
+            block = json.load(f)
         for m in block["rangeModifiers"]:
             m.update(initialValue="00000000", stepValue="00000001", mask="ffffffff", recycleCount=100000,
                      mode="INCREMENT")
@@ -231,6 +265,165 @@ class Messages(unittest.TestCase):
 
 
 class Errors(unittest.TestCase):
+    def setUp(self):
+        self.tmp = tempfile.TemporaryDirectory()
+        self.addCleanup(self.tmp.cleanup)
+
+    def test_one_frame_range_everywhere(self):
+        # Frames 0 .. 2**32-1 for every index and count; a count past them is refused before
+        # anything is allocated or written.
+        block = vrm.Block.from_json(IPV4)
+        plan = block.plan()
+        last = 2 ** 32 - 1
+        pcap = os.path.join(self.tmp.name, "range.pcap")
+        accepted = [
+            ("frame: the last", lambda: plan.frame(last), plan.frame(last)),
+            ("stamp: up to the last", lambda: bytes(plan.stamp(last - 1, 2)), plan.frame(last - 1) + plan.frame(last)),
+            ("stamp: no frames from the last", lambda: plan.stamp(last, 0), bytearray()),
+            ("stamp: the last into a buffer", lambda: bytes(plan.stamp(last, 1, bytearray(plan.frame_length))),
+             plan.frame(last)),
+            ("values: the last", lambda: sorted(block.values(last)), [1, 2]),
+            ("write_pcap: no frames", lambda: block.write_pcap(pcap, 0)["frames"], 0),
+        ]
+        for name, call, expected in accepted:
+            with self.subTest(case=name):
+                self.assertEqual(call(), expected)
+        os.remove(pcap)
+        refused = [
+            ("frame: 2**32", lambda: plan.frame(2 ** 32), IndexError),
+            ("frame: 2**64", lambda: plan.frame(2 ** 64), IndexError),
+            ("frame: -1", lambda: plan.frame(-1), IndexError),
+            ("values: 2**32", lambda: block.values(2 ** 32), IndexError),
+            ("values: -1", lambda: block.values(-1), IndexError),
+            ("stamp: first 2**32", lambda: plan.stamp(2 ** 32, 0), IndexError),
+            ("stamp: first -1", lambda: plan.stamp(-1, 1), IndexError),
+            ("stamp: one past the last", lambda: plan.stamp(last, 2), IndexError),
+            ("stamp: 10**10 frames", lambda: plan.stamp(0, 10 ** 10), IndexError),
+            ("stamp: 2**32+1 frames", lambda: plan.stamp(0, 2 ** 32 + 1), IndexError),
+            ("stamp: 2**100 frames into a buffer", lambda: plan.stamp(0, 2 ** 100, bytearray(64)), IndexError),
+            ("stamp: a negative count", lambda: plan.stamp(0, -1), ValueError),
+            ("stamp: a count of another type", lambda: plan.stamp(0, 1.0), TypeError),
+            ("write_pcap: 2**32+1 frames", lambda: block.write_pcap(pcap, 2 ** 32 + 1), IndexError),
+            ("write_pcap: 10**10 frames", lambda: block.write_pcap(pcap, 10 ** 10, threads=2), IndexError),
+            ("write_pcap: a negative count", lambda: block.write_pcap(pcap, -1), ValueError),
+            ("write_pcap: a count of another type", lambda: block.write_pcap(pcap, 1.0), TypeError),
+        ]
+        for name, call, kind in refused:
+            with self.subTest(case=name):
+                self.assertRaises(kind, call)
+                self.assertFalse(os.path.exists(pcap))
+
+    def test_paths_and_file_errors(self):
+        block = vrm.Block.from_json(IPV4)
+        tmp = self.tmp.name
+        reference = os.path.join(tmp, "reference.pcap")
+        block.write_pcap(reference, 20)
+        with open(reference, "rb") as f:
+            expected = f.read()
+        for kind in (str, os.fsencode, pathlib.Path):
+            with self.subTest(path=kind.__name__):
+                target = kind(os.path.join(tmp, "out.pcap"))
+                self.assertEqual(block.write_pcap(target, 20)["bytes"], len(expected))
+                with open(target, "rb") as f:
+                    self.assertEqual(f.read(), expected)
+                os.remove(target)
+        for kind in (str, pathlib.Path):
+            with self.subTest(block_path=kind.__name__):
+                self.assertEqual(vrm.Block.from_json(kind(IPV4)).to_dict(), block.to_dict())
+        a_file = os.path.join(tmp, "a-file")
+        open(a_file, "w").close()
+        write = lambda path: block.write_pcap(path, 1)  # noqa: E731
+        cases = [
+            ("write into a missing directory", write, os.path.join(tmp, "missing", "x.pcap"), FileNotFoundError,
+             errno.ENOENT),
+            ("write onto a directory", write, tmp, IsADirectoryError, errno.EISDIR),
+            ("write below a file", write, os.path.join(a_file, "x.pcap"), NotADirectoryError, errno.ENOTDIR),
+            ("read a missing file", vrm.Block.from_json, os.path.join(tmp, "missing.json"), FileNotFoundError,
+             errno.ENOENT),
+            ("read a directory", vrm.Block.from_json, tmp, IsADirectoryError, errno.EISDIR),
+        ]
+        for name, call, path, kind, number in cases:
+            for given in (path, pathlib.Path(path)):
+                with self.subTest(case=name, path=type(given).__name__):
+                    with self.assertRaises(kind) as caught:
+                        call(given)
+                    self.assertEqual(caught.exception.errno, number)
+                    self.assertEqual(caught.exception.strerror, os.strerror(number))
+                    self.assertEqual(caught.exception.filename, given)
+        for name, call in [("write", lambda: block.write_pcap(os.path.join(tmp, "a\0b.pcap"), 1)),
+                           ("read", lambda: vrm.Block.from_json(pathlib.Path(tmp, "a\0b.json")))]:
+            with self.subTest(case=name + " a path with a NUL byte"):
+                self.assertRaisesRegex(ValueError, "embedded null byte", call)
+        self.assertEqual(sorted(os.listdir(tmp)), ["a-file", "reference.pcap"])  # nothing left behind
+
+    def test_concurrent_pcap_writes(self):
+        # Two Python threads writing at once (each call releases the GIL) get the files each
+        # would get alone.
+        jobs = [(VALID[0], 30000, 2), (VALID[-1], 20000, 1)]
+        expected = []
+        for path, count, _ in jobs:
+            out = os.path.join(self.tmp.name, "expected.pcap")
+            streamgen("frames", path, "-o", out, "--count", str(count))
+            with open(out, "rb") as f:
+                expected.append(f.read())
+        start = threading.Barrier(len(jobs))
+        errors = []
+
+        def write(k, path, count, threads):
+            try:
+                block = vrm.Block.from_json(path)
+                start.wait()
+                block.write_pcap(os.path.join(self.tmp.name, "%d.pcap" % k), count, threads=threads)
+            except Exception as e:  # reported by the main thread
+                errors.append(e)
+
+        workers = [threading.Thread(target=write, args=(k, *job)) for k, job in enumerate(jobs)]
+        for w in workers:
+            w.start()
+        for w in workers:
+            w.join()
+        self.assertEqual(errors, [])
+        for k, data in enumerate(expected):
+            with open(os.path.join(self.tmp.name, "%d.pcap" % k), "rb") as f:
+                self.assertEqual(f.read(), data, "thread %d" % k)
+
+    def test_keyboard_interrupt_after_each_call(self):
+        # The module installs no signal handlers: after any of its calls, SIGINT still raises
+        # KeyboardInterrupt and the interpreter goes on.
+        script = textwrap.dedent("""
+            import os, signal, sys, tempfile, time
+            import vrm
+            block = vrm.Block.from_json(sys.argv[2])
+            plan = block.plan()
+            out = tempfile.mkdtemp()
+            calls = {
+                "write_pcap": lambda: block.write_pcap(os.path.join(out, "x.pcap"), 5000, threads=2),
+                "write_pcap failing": lambda: block.write_pcap(os.path.join(out, "no", "x.pcap"), 1),
+                "from_json failing": lambda: vrm.Block.from_json(os.path.join(out, "missing.json")),
+                "stamp": lambda: plan.stamp(0, 5000),
+                "frame": lambda: plan.frame(5),
+                "values": lambda: block.values(3),
+                "request": lambda: vrm.decode(vrm.request("Generator_3", "Reset")),
+            }
+            try:
+                calls[sys.argv[1]]()
+            except OSError:
+                pass
+            try:
+                os.kill(os.getpid(), signal.SIGINT)
+                time.sleep(30)  # a signal left unhandled ends it early
+            except KeyboardInterrupt:
+                print("KeyboardInterrupt")
+            print("still running")
+        """)
+        for call in ("write_pcap", "write_pcap failing", "from_json failing", "stamp", "frame", "values",
+                     "request"):
+            with self.subTest(call=call):
+                done = subprocess.run([sys.executable, "-c", script, call, IPV4], capture_output=True, text=True,
+                                      timeout=120)
+                self.assertEqual((done.returncode, done.stdout), (0, "KeyboardInterrupt\nstill running\n"),
+                                 done.stderr)
+
     def test_library_errors_map_to_python_exceptions(self):
         invalid = vrm.Block.from_json(INVALID)
         ipv4 = vrm.Block.from_json(IPV4)
@@ -248,8 +441,13 @@ class Errors(unittest.TestCase):
             ("not a source", lambda: vrm.Block.from_json(3), TypeError, "expected JSON text"),
             ("invalid block values", lambda: invalid.values(0), ValueError, "the block is invalid"),
             ("invalid block plan", lambda: invalid.plan(), ValueError, "the block is invalid"),
-            ("index beyond 32 bits", lambda: ipv4.values(2 ** 32), IndexError, "frame indexes go up to 4294967295"),
-            ("negative index", lambda: plan.frame(-1), IndexError, "frame index -1 is negative"),
+            ("index beyond 32 bits", lambda: ipv4.values(2 ** 32), IndexError,
+             "frame index 4294967296 is outside the frames 0 .. 4294967295"),
+            ("negative index", lambda: plan.frame(-1), IndexError, "frame index -1 is outside"),
+            ("count past the last frame", lambda: plan.stamp(2 ** 32 - 5, 10), IndexError,
+             "count 10 from frame 4294967291 goes past the last frame, 4294967295"),
+            ("negative count", lambda: plan.stamp(0, -3), ValueError, "count -3 is negative"),
+            ("path of no path type", lambda: ipv4.write_pcap(3), TypeError, "expected str, bytes or os.PathLike"),
             ("buffer too small", lambda: plan.stamp(0, 10, bytearray(5)), ValueError, "the buffer holds 5 bytes"),
             ("read-only buffer", lambda: plan.stamp(0, 1, bytes(100)), BufferError, ""),
             ("threads", lambda: ipv4.write_pcap("/dev/null", 1, threads=0), ValueError, "threads: expected 1 to 256"),
@@ -283,6 +481,111 @@ class Errors(unittest.TestCase):
                     call()
                 self.assertIn(text, str(caught.exception))
         self.assertTrue(issubclass(vrm.MessageError, ValueError))
+
+
+def have(module):
+    return importlib.util.find_spec(module) is not None
+
+
+class Stub(unittest.TestCase):
+    # A script using the module as its documentation shows, with the types the stub gives.
+    # Lines marked "type: ignore[...]" are calls the stub must refuse: --warn-unused-ignores
+    # reports them if it accepts them.
+    SCRIPT = textwrap.dedent("""
+        from __future__ import annotations
+
+        import array
+        import pathlib
+        import sys
+        from typing import Any, Dict, List, Optional
+
+        import vrm
+
+        block: vrm.Block = vrm.Block.from_json(pathlib.Path(sys.argv[1]))
+        same: vrm.Block = vrm.Block.from_json(sys.argv[1])
+        lines: List[str] = block.validate()
+        valid: bool = block.valid
+        values: Dict[int, bytes] = block.values(2**32 - 1)
+        mods: List[vrm.ModifierInfo] = block.modifiers
+        field: Optional[str] = mods[0]["field"]
+        frames: Optional[int] = block.frames
+        again: vrm.Block = vrm.Block.from_dict(block.to_dict())
+
+        plan: vrm.Plan = block.plan()
+        length: int = plan.frame_length
+        cycle: int = plan.cycle_length
+        stamped: bytearray = plan.stamp(0, 4)
+        raw: bytearray = plan.stamp(0, 4, None, False)
+        view: memoryview = plan.stamp(0, 4, memoryview(bytearray(4 * length)), checksums=False)
+        arr: array.array[int] = plan.stamp(1, 1, array.array("B", bytes(length)))
+        one: bytes = plan.frame(3, checksums=False)
+        summary: vrm.PcapSummary = block.write_pcap(pathlib.Path(sys.argv[2]), 3, threads=2, checksums=False)
+        written: int = block.write_pcap(sys.argv[2])["frames"]
+
+        wire: bytes = vrm.request("Generator_3", "Reset")
+        decoded: Dict[str, Any] = vrm.decode(bytearray(wire))
+        reply = vrm.response("Generator_3", "GetRunState", isRunning=True)
+        parsed: Dict[str, Any] = vrm.parse_response("Generator_3", "GetRunState", memoryview(reply))
+        listed: Dict[str, List[str]] = vrm.members("Generator_3", "Reset")
+        names: List[str] = vrm.modules() + vrm.methods("Generator_3")
+        error: type[ValueError] = vrm.MessageError
+
+        if sys.argv[3:] == ["refused"]:
+            plan.stamp(0, 1, b"read-only")  # type: ignore[call-overload]
+            block.write_pcap(3)  # type: ignore[arg-type]
+            plan.frame("3")  # type: ignore[arg-type]
+            vrm.decode("text")  # type: ignore[arg-type]
+        """)
+    NUMPY = textwrap.dedent("""
+        import numpy as np
+        import numpy.typing as npt
+
+        into: npt.NDArray[np.uint8] = plan.stamp(0, 4, np.empty((4, length), dtype=np.uint8))
+        """)
+
+    def setUp(self):
+        self.tmp = tempfile.TemporaryDirectory()
+        self.addCleanup(self.tmp.cleanup)
+        self.script = os.path.join(self.tmp.name, "typed.py")
+        with open(self.script, "w") as f:
+            f.write(self.SCRIPT + (self.NUMPY if have("numpy") else ""))
+
+    def test_typed_script_runs(self):
+        subprocess.run([sys.executable, self.script, IPV4, os.path.join(self.tmp.name, "x.pcap")], check=True,
+                       capture_output=True)
+
+    def test_stub_passes_mypy(self):
+        if not have("mypy"):
+            self.skipTest("mypy is not installed")
+        stub = ROOT / "python" / "vrm.pyi"
+        env = dict(os.environ, MYPYPATH=str(stub.parent))
+        done = subprocess.run([sys.executable, "-m", "mypy", "--strict", "--warn-unused-ignores", "--no-incremental",
+                               "--cache-dir", os.path.join(self.tmp.name, "cache"), str(stub), self.script],
+                              capture_output=True, text=True, env=env)
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+
+
+class Docs(unittest.TestCase):
+    def test_python_examples_run(self):
+        # Every python block of docs/python.md, in order and in one namespace as a reader would
+        # type them, in a fresh directory where examples/ is the shipped examples.
+        with open(ROOT / "docs" / "python.md") as f:
+            blocks = re.findall(r"^```python\n(.*?)^```", f.read(), re.S | re.M)
+        self.assertGreater(len(blocks), 3)
+        tmp = tempfile.TemporaryDirectory()
+        self.addCleanup(tmp.cleanup)
+        os.symlink(EXAMPLES, os.path.join(tmp.name, "examples"))
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(tmp.name)
+        namespace = {}
+        for k, code in enumerate(blocks):
+            with self.subTest(block=k, first_line=code.splitlines()[0]):
+                needs = [m for m in ("numpy", "scapy") if re.search(r"^\s*(import|from) %s\b" % m, code, re.M)]
+                missing = [m for m in needs if not have(m)]
+                if missing:
+                    self.skipTest("%s is not installed" % ", ".join(missing))
+                with contextlib.redirect_stdout(io.StringIO()):
+                    exec(compile(code, "docs/python.md block %d" % k, "exec"), namespace)
 
 
 if __name__ == "__main__":
