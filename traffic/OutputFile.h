@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <string>
 
+#include "traffic/ByteSink.h"
+
 namespace vrm::traffic {
 
 // Told the name of the temporary file before it exists and when it is gone (renamed or
@@ -22,17 +24,17 @@ class TempWatcher {
     virtual void Gone() = 0;
 };
 
-class OutputFile {
+class OutputFile : public ByteSink {
   public:
     // Opens the temporary file (or the target itself when it is not a regular file).
     // Throws std::runtime_error "<path>: <reason>".
     explicit OutputFile(const std::string& path, TempWatcher* watcher = nullptr);
-    ~OutputFile();
+    ~OutputFile() override;
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
     // Writes all of `data`; throws std::runtime_error "<path>: <reason>" on failure.
-    void Write(const void* data, std::size_t size);
+    void Write(const void* data, std::size_t size) override;
     // True when the bytes go to a new regular file, which WriteAt may fill in any order.
     bool Positional() const { return !m_temp.empty(); }
     // Writes `data` at byte `offset` (Positional() outputs only); safe from several threads.

@@ -1,5 +1,5 @@
-// Writing frames to a pcap capture (microseconds, Ethernet link type, the machine's byte
-// order) from one or more threads.
+// Writing frames of one length to a pcap capture (microseconds, Ethernet link type, the
+// machine's byte order) from one or more threads: the older interface, kept for its callers.
 #pragma once
 
 #include <cstddef>
@@ -7,12 +7,11 @@
 #include <functional>
 #include <string>
 
+#include "traffic/Capture.h"  // kPcapMaxFrame
+
 namespace vrm::traffic {
 
 class FrameChecksums;
-
-// The longest frame common pcap readers accept in a record.
-constexpr std::size_t kPcapMaxFrame = 262144;
 
 // Writes frames first .. first + count - 1, frame first + k at out + k * stride (every byte
 // of each frame; the bytes between frames are left alone). Called from several threads at
@@ -40,12 +39,8 @@ struct PcapOptions {
 // Writes frames 0 .. count-1, each `frameLength` bytes (at most kPcapMaxFrame), to `path`
 // ("-": standard output) through an OutputFile: the capture appears only when complete.
 // Frame i is stamped i microseconds after the epoch, so the file depends on nothing but the
-// frames.
-//
-// The range is cut into blocks of about a megabyte; each thread takes the next block not yet
-// taken and stamps it from its own first frame. Into a new file each block is written at its place as
-// soon as it is ready; into a pipe or a device the blocks are written in order. The capture
-// is byte-identical for any number of threads.
+// frames. A thin wrapper over write_capture (CaptureFormat::Pcap) with a source of fixed-length
+// frames; the capture is byte-identical for any number of threads.
 //
 // Throws std::invalid_argument for a frame length beyond kPcapMaxFrame, std::runtime_error
 // "<path>: <reason>" on an I/O failure, and what `stamp` throws.
