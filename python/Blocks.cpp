@@ -19,7 +19,8 @@
 #include "traffic/BlockFile.h"
 #include "traffic/BlockModifiers.h"
 #include "traffic/Checksums.h"
-#include "traffic/PcapOut.h"
+#include "traffic/FrameShaper.h"
+#include "traffic/Capture.h"
 
 namespace vrmpy {
 
@@ -61,18 +62,26 @@ std::unique_ptr<StreamBlockModifiers> library_modifiers(const BlockInput& in) {
     return lib;
 }
 
-// The frame plan and the checksums that streamgen frames recomputes in each frame.
+// The block's shaped frames as streamgen frames writes them: with the checksums recomputed
+// (`shaper`) and as the modifiers leave them (`raw`).
 struct Plan {
-    FramePlan plan;
-    vrm::traffic::FrameChecksums sums;
+    std::shared_ptr<const vrm::traffic::FrameShaper> shaper;
+    std::shared_ptr<const vrm::traffic::FrameShaper> raw;
+
+    const vrm::traffic::FrameShaper& of(bool checksums) const { return checksums ? *shaper : *raw; }
+    std::size_t slot() const { return shaper->MaxLength(); }
 };
 
 Plan make_plan(const Block& b) {
     b.require_valid();
     if (b.in.frame.empty()) throw vrm::traffic::InputError("baseStream.frame.data", "the frame template is empty");
     b.mods->PlaceFields(b.in);
-    Plan p{b.mods->MakePlan(b.in), vrm::traffic::FrameChecksums(b.in.frame)};
-    p.sums.SetChangingBits(b.mods->WrittenBits(b.in));
+    FramePlan frames = b.mods->MakePlan(b.in);
+    vrm::traffic::ShapeOptions kept;
+    kept.checksums = false;
+    Plan p;
+    p.shaper = std::make_shared<vrm::traffic::FrameShaper>(b.in, frames, *b.mods);
+    p.raw = std::make_shared<vrm::traffic::FrameShaper>(b.in, std::move(frames), *b.mods, kept);
     return p;
 }
 
@@ -158,10 +167,21 @@ std::size_t bytes_for(std::uint64_t count, std::size_t length) {
     return static_cast<std::size_t>(need);
 }
 
+// Frames first .. first+count-1 into slots of p.slot() bytes; a slot's bytes past its frame
+// are zeros.
 void stamp_into(const Plan& p, std::uint64_t first, std::size_t count, unsigned char* out, bool checksums) {
     py::gil_scoped_release release;
-    p.plan.Stamp(first, count, out, p.plan.FrameLength());
-    if (checksums) p.sums.Apply(out, count, p.plan.FrameLength());
+    const vrm::traffic::FrameShaper& s = p.of(checksums);
+    const std::size_t slot = p.slot();
+    constexpr std::size_t kRun = 1024;
+    std::uint32_t lengths[kRun];
+    for (std::size_t done = 0; done < count;) {
+        const std::size_t n = std::min(kRun, count - done);
+        unsigned char* at = out + done * slot;
+        s.Shape(first + done, n, at, slot, lengths);
+        for (std::size_t k = 0; k < n; ++k) std::memset(at + k * slot + lengths[k], 0, slot - lengths[k]);
+        done += n;
+    }
 }
 
 py::object stamp(const Plan& p, const py::int_& firstIndex, const py::int_& countArg, const py::object& out,
@@ -169,7 +189,7 @@ py::object stamp(const Plan& p, const py::int_& firstIndex, const py::int_& coun
     const std::uint64_t first = frame_index(firstIndex);
     const std::uint64_t count = frame_count(countArg, first);
     if (out.is_none()) {
-        const std::size_t need = bytes_for(count, p.plan.FrameLength());
+        const std::size_t need = bytes_for(count, p.slot());
         PyObject* o = PyByteArray_FromStringAndSize(nullptr, static_cast<Py_ssize_t>(need));
         if (!o) throw py::error_already_set();
         py::object result = py::reinterpret_steal<py::object>(o);
@@ -178,10 +198,10 @@ py::object stamp(const Plan& p, const py::int_& firstIndex, const py::int_& coun
         return result;
     }
     WritableBuffer buffer(out);
-    const std::uint64_t need = count * p.plan.FrameLength();
+    const std::uint64_t need = count * p.slot();
     if (buffer.size() < need) {
         throw std::invalid_argument("the buffer holds " + std::to_string(buffer.size()) + " bytes; " +
-                                    std::to_string(count) + " frames of " + std::to_string(p.plan.FrameLength()) +
+                                    std::to_string(count) + " frames of " + std::to_string(p.slot()) +
                                     " bytes need " + std::to_string(need));
     }
     stamp_into(p, first, static_cast<std::size_t>(count), buffer.data(), checksums);
@@ -190,32 +210,66 @@ py::object stamp(const Plan& p, const py::int_& firstIndex, const py::int_& coun
 
 py::bytes frame(const Plan& p, const py::int_& index, bool checksums) {
     const std::uint64_t i = frame_index(index);
-    PyObject* o = PyBytes_FromStringAndSize(nullptr, static_cast<Py_ssize_t>(p.plan.FrameLength()));
-    if (!o) throw py::error_already_set();
-    py::bytes result = py::reinterpret_steal<py::bytes>(o);
-    stamp_into(p, i, 1, reinterpret_cast<unsigned char*>(PyBytes_AS_STRING(o)), checksums);
-    return result;
+    std::vector<unsigned char> f(p.slot());
+    std::size_t length = 0;
+    {
+        py::gil_scoped_release release;
+        length = p.of(checksums).Frame(i, f.data());
+    }
+    return bytes_of(f.data(), length);
+}
+
+// Frames first .. first+count-1, each as bytes of its own length.
+py::list frames(const Plan& p, const py::int_& firstIndex, const py::int_& countArg, bool checksums) {
+    const std::uint64_t first = frame_index(firstIndex);
+    const std::uint64_t count = frame_count(countArg, first);
+    constexpr std::size_t kRun = 256;
+    const std::size_t slot = p.slot();
+    std::vector<unsigned char> buffer(kRun * slot);
+    std::uint32_t lengths[kRun];
+    py::list out;
+    for (std::uint64_t done = 0; done < count;) {
+        const auto n = static_cast<std::size_t>(std::min<std::uint64_t>(kRun, count - done));
+        {
+            py::gil_scoped_release release;
+            p.of(checksums).Shape(first + done, n, buffer.data(), slot, lengths);
+        }
+        for (std::size_t k = 0; k < n; ++k) out.append(bytes_of(buffer.data() + k * slot, lengths[k]));
+        done += n;
+    }
+    return out;
 }
 
 double stamp_native(const Plan& p, const py::int_& firstIndex, const py::int_& countArg, std::size_t chunk) {
     const std::uint64_t first = frame_index(firstIndex);
     const std::uint64_t count = frame_count(countArg, first);
     if (chunk == 0) throw std::invalid_argument("chunk: expected at least one frame");
-    std::vector<unsigned char> buffer(bytes_for(chunk, p.plan.FrameLength()));
+    std::vector<unsigned char> buffer(bytes_for(chunk, p.slot()));
+    std::vector<std::uint32_t> lengths(chunk);
     py::gil_scoped_release release;
     const auto started = std::chrono::steady_clock::now();
     for (std::uint64_t done = 0; done < count;) {
         const std::size_t n = static_cast<std::size_t>(std::min<std::uint64_t>(chunk, count - done));
-        p.plan.Stamp(first + done, n, buffer.data(), p.plan.FrameLength());
+        p.shaper->Shape(first + done, n, buffer.data(), p.slot(), lengths.data());
         done += n;
     }
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
 }
 
 py::dict write_pcap(const Block& b, const py::object& pathArg, const py::object& countArg, unsigned threads,
-                    bool checksums) {
+                    bool checksums, const std::string& format, bool fcs) {
     const std::string path = path_bytes(pathArg);
     if (threads < 1 || threads > 256) throw std::invalid_argument("threads: expected 1 to 256");
+    vrm::traffic::CaptureOptions options;
+    if (format == "pcap") {
+        options.format = vrm::traffic::CaptureFormat::Pcap;
+    } else if (format == "pcap-ns") {
+        options.format = vrm::traffic::CaptureFormat::PcapNano;
+    } else if (format == "pcapng") {
+        options.format = vrm::traffic::CaptureFormat::Pcapng;
+    } else {
+        throw std::invalid_argument("format: expected pcap, pcap-ns or pcapng, got " + format);
+    }
     std::uint64_t count = 16;
     if (!countArg.is_none()) {
         if (!PyLong_Check(countArg.ptr())) throw py::type_error("count: expected an int or None");
@@ -223,16 +277,19 @@ py::dict write_pcap(const Block& b, const py::object& pathArg, const py::object&
     } else if (b.in.frames) {
         count = *b.in.frames;  // a uint32 in the block file
     }
-    const Plan p = make_plan(b);
-    vrm::traffic::PcapSummary s;
-    vrm::traffic::PcapOptions options;
+    b.require_valid();
+    if (b.in.frame.empty()) throw vrm::traffic::InputError("baseStream.frame.data", "the frame template is empty");
+    b.mods->PlaceFields(b.in);
+    vrm::traffic::ShapeOptions shape;
+    shape.checksums = checksums;
+    shape.fcs = fcs;
+    const vrm::traffic::FrameShaper shaper(b.in, b.mods->MakePlan(b.in), *b.mods, shape);
     options.threads = threads;
-    options.checksums = checksums ? &p.sums : nullptr;
-    const vrm::traffic::FrameStamp stamp = [&p](std::uint64_t first, std::size_t n, unsigned char* at,
-                                             std::size_t stride) { p.plan.Stamp(first, n, at, stride); };
+    options.fcs = fcs;
+    vrm::traffic::CaptureSummary s;
     try {
         py::gil_scoped_release release;
-        s = vrm::traffic::write_pcap(path, count, p.plan.FrameLength(), stamp, options);
+        s = vrm::traffic::write_capture(path, count, shaper, options);
     } catch (const vrm::traffic::InputError&) {
         throw;
     } catch (const vrm::traffic::BuildError&) {
@@ -335,21 +392,35 @@ py::list modifiers(const Block& b) {
 
 void bind_blocks(py::module_& m) {
     py::class_<Plan>(m, "Plan",
-                     "A block's frames compiled for bulk stamping: frame i is byte for byte what\n"
-                     "streamgen frames writes for frame i, checksums recomputed (checksums=False: the\n"
-                     "bytes as the modifiers leave them, as --checksums keep writes). Frames are\n"
-                     "0 .. 2**32-1. Immutable; stamping releases the GIL, so threads may stamp one plan\n"
-                     "at once.")
+                     "A block's frames as the whole block describes them (modifiers, lengths, fill,\n"
+                     "signature): frame i is byte for byte what streamgen frames writes for frame i,\n"
+                     "checksums recomputed (checksums=False: as --checksums keep writes them). Frames\n"
+                     "are 0 .. 2**32-1. Immutable; stamping releases the GIL, so threads may stamp one\n"
+                     "plan at once.")
         .def_property_readonly(
-            "frame_length", [](const Plan& p) { return p.plan.FrameLength(); }, "Bytes per frame.")
+            "frame_length", [](const Plan& p) { return p.slot(); },
+            "Bytes of each frame's slot in stamp's output: every frame's length when the block's\n"
+            "frames have one length, else the longest frame.")
         .def_property_readonly(
-            "cycle_length", [](const Plan& p) { return p.plan.CycleLength(); },
+            "min_length", [](const Plan& p) { return p.shaper->MinFrameLength(); }, "The shortest frame's length.")
+        .def_property_readonly(
+            "max_length", [](const Plan& p) { return p.shaper->MaxFrameLength(); }, "The longest frame's length.")
+        .def_property_readonly(
+            "lengths", [](const Plan& p) { return p.shaper->LengthText(); },
+            "The length settings in words, for example 'RANDOM 64..1518 seed 7'.")
+        .def(
+            "length",
+            [](const Plan& p, const py::int_& index) { return p.shaper->LengthOf(frame_index(index)); },
+            py::arg("index"), "Frame `index`'s length in bytes. Raises IndexError outside 0 .. 2**32-1.")
+        .def_property_readonly(
+            "cycle_length", [](const Plan& p) { return p.shaper->Plan().CycleLength(); },
             "Frames after which the frames repeat (a period, not always the shortest); 0 when it\n"
             "does not fit in 64 bits.")
         .def("stamp", &stamp, py::arg("first"), py::arg("count"), py::arg("out") = py::none(),
              py::arg("checksums") = true,
-             "Frames first .. first+count-1, back to back. Without `out`, a new bytearray of\n"
-             "count * frame_length bytes; with `out` (any writable C-contiguous buffer: bytearray,\n"
+             "Frames first .. first+count-1, each in a slot of frame_length bytes (a shorter\n"
+             "frame's slot ends in zeros; plan.length(i) tells its length). Without `out`, a new\n"
+             "bytearray of count * frame_length bytes; with `out` (any writable C-contiguous buffer: bytearray,\n"
              "memoryview, NumPy array) the frames are written into it without a copy and `out` is\n"
              "returned. IPv4, UDP, TCP and ICMP checksums are recomputed unless checksums=False.\n"
              "Raises IndexError for a first outside 0 .. 2**32-1 or frames past 2**32-1,\n"
@@ -358,9 +429,12 @@ void bind_blocks(py::module_& m) {
         .def("frame", &frame, py::arg("index"), py::arg("checksums") = true,
              "Frame `index` (0 .. 2**32-1) as bytes, checksums recomputed unless checksums=False.\n"
              "Raises IndexError for an index outside.")
+        .def("frames", &frames, py::arg("first"), py::arg("count"), py::arg("checksums") = true,
+             "Frames first .. first+count-1 as a list of bytes, each of its own length. Raises\n"
+             "like stamp.")
         .def("_stamp_native", &stamp_native, py::arg("first"), py::arg("count"), py::arg("chunk"),
              "Seconds the library takes, in C++ alone, to stamp frames first .. first+count-1 in\n"
-             "chunks of `chunk` frames into one buffer (no checksums): the baseline of the\n"
+             "chunks of `chunk` frames into one buffer (checksums recomputed): the baseline of the\n"
              "stamping benchmark.");
 
     py::class_<Block, std::shared_ptr<Block>>(
@@ -403,11 +477,13 @@ void bind_blocks(py::module_& m) {
              "The frame plan. Raises ValueError for an invalid block, an empty template or a field\n"
              "the library refuses.")
         .def("write_pcap", &write_pcap, py::arg("path"), py::arg("count") = py::none(), py::arg("threads") = 1,
-             py::arg("checksums") = true,
-             "Writes frames 0 .. count-1 to the pcap file `path` (str, bytes or os.PathLike) as\n"
+             py::arg("checksums") = true, py::arg("format") = "pcap", py::arg("fcs") = false,
+             "Writes frames 0 .. count-1 to the capture file `path` (str, bytes or os.PathLike) as\n"
              "streamgen frames does (count defaults to host.frames, else 16; at most 2**32):\n"
              "checksums recomputed unless checksums=False, the file the same for any number of\n"
-             "threads and in place only when complete. Returns {'frames', 'bytes', 'seconds'}.\n"
+             "threads and in place only when complete. format: 'pcap' (microseconds), 'pcap-ns'\n"
+             "or 'pcapng'; fcs=True ends every frame with its frame check sequence (wrong with\n"
+             "errorFCS). Returns {'frames', 'bytes', 'seconds'}.\n"
              "Raises IndexError for a count beyond 2**32, ValueError for a negative one, OSError\n"
              "(FileNotFoundError, ... with errno and filename) when the file cannot be written.\n"
              "Releases the GIL while writing.");

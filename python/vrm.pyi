@@ -36,18 +36,33 @@ class PcapSummary(TypedDict):
     seconds: float
 
 class Plan:
-    """A block's frames compiled for bulk stamping; frame i (0 .. 2**32-1) is byte for byte
-    what streamgen frames writes for frame i, checksums recomputed (checksums=False: as
-    --checksums keep writes). Stamping releases the GIL."""
+    """A block's frames as the whole block describes them (modifiers, lengths, fill,
+    signature); frame i (0 .. 2**32-1) is byte for byte what streamgen frames writes for
+    frame i, checksums recomputed (checksums=False: as --checksums keep writes). Stamping
+    releases the GIL."""
 
     @property
-    def frame_length(self) -> int: ...
+    def frame_length(self) -> int:
+        """Bytes of each frame's slot in stamp's output: every frame's length when the
+        block's frames have one length, else the longest frame."""
+    @property
+    def min_length(self) -> int: ...
+    @property
+    def max_length(self) -> int: ...
+    @property
+    def lengths(self) -> str:
+        """The length settings in words, e.g. 'RANDOM 64..1518 seed 7'."""
+    def length(self, index: int) -> int:
+        """Frame `index`'s length in bytes; IndexError outside 0 .. 2**32-1."""
+    def frames(self, first: int, count: int, checksums: bool = True) -> List[bytes]:
+        """Frames first .. first+count-1, each bytes of its own length."""
     @property
     def cycle_length(self) -> int:
         """Frames after which the frames repeat (0 when that does not fit in 64 bits)."""
     @overload
     def stamp(self, first: int, count: int, out: None = None, checksums: bool = True) -> bytearray:
-        """Frames first .. first+count-1 back to back in a new bytearray. IndexError for a
+        """Frames first .. first+count-1, each in a slot of frame_length bytes (a shorter
+        frame's slot ends in zeros), in a new bytearray. IndexError for a
         first outside 0 .. 2**32-1 or frames past 2**32-1, ValueError for a negative count."""
     @overload
     def stamp(self, first: int, count: int, out: _Buf, checksums: bool = True) -> _Buf:
@@ -86,9 +101,10 @@ class Block:
         """The stream block record as the library writes it back (what SetStreamBlock sends)."""
     def plan(self) -> Plan: ...
     def write_pcap(self, path: _Path, count: Optional[int] = None, threads: int = 1,
-                   checksums: bool = True) -> PcapSummary:
-        """Frames 0 .. count-1 (count at most 2**32) to a pcap file, as streamgen frames
-        writes them. IndexError for a count beyond 2**32, ValueError for a negative one,
+                   checksums: bool = True, format: str = "pcap", fcs: bool = False) -> PcapSummary:
+        """Frames 0 .. count-1 (count at most 2**32) to a capture file, as streamgen frames
+        writes them; format 'pcap', 'pcap-ns' or 'pcapng', fcs=True appends the frame
+        check sequence. IndexError for a count beyond 2**32, ValueError for a negative one,
         OSError (FileNotFoundError, ...) when the file cannot be written."""
 
 def request(module: str, method: str, /, **members: Any) -> bytes:

@@ -29,7 +29,7 @@ struct CaptureOptions {
     // The frames end with a 4-byte frame check sequence the source wrote; the capture says so:
     // pcap in the link-type field (F bit and an FCS length of two 16-bit words: 0x24000001),
     // pcapng with if_fcslen = 32 in the interface description (the pcapng document counts
-    // it in bits; Wireshark 4.0 takes 4 and 32 alike, newer releases read bits, issue 19174).
+    // it in bits; Wireshark 4.0 takes 4 and 32 alike, newer releases read bits only).
     // Wireshark 4.0 (tshark) honours both marks: the last four bytes show as the FCS
     // (eth.fcs). Without a mark it guesses; `-o eth.fcs:TRUE` forces it (4.0 calls the older
     // eth.assume_fcs obsolete).

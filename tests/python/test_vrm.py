@@ -55,7 +55,7 @@ class Blocks(unittest.TestCase):
             block = vrm.Block.from_json(path)
             for start, count in ((0, 300), (4294967290, 6)):
                 with self.subTest(example=os.path.basename(path), start=start):
-                    out = streamgen("values", path, "--at", "--start", str(start), "--count", str(count)).stdout
+                    out = streamgen("values", path, "--at", "--raw", "--start", str(start), "--count", str(count)).stdout
                     expected = [line.split() for line in out.splitlines()]
                     got = [[str(i)] + [v.hex() for v in block.values(i).values()]
                            for i in range(start, start + count)]
@@ -67,7 +67,13 @@ class Blocks(unittest.TestCase):
         for path in VALID:
             block = vrm.Block.from_json(path)
             plan = block.plan()
-            self.assertEqual(plan.frame_length, len(block.frame_template))
+            with open(path) as f:
+                frame_settings = json.load(f)["baseStream"]["frame"]
+            # Blocks that only modify their template: every frame has its length and the frames
+            # repeat with the modifiers.
+            plain = "lengthCfg" not in frame_settings and "options" not in frame_settings
+            if plain:
+                self.assertEqual(plan.frame_length, len(block.frame_template))
             for mode, checksums, args in modes:
                 with self.subTest(example=os.path.basename(path), mode=mode):
                     pcap = os.path.join(self.tmp.name, "streamgen.pcap")
@@ -75,17 +81,25 @@ class Blocks(unittest.TestCase):
                     with open(pcap, "rb") as f:
                         written = f.read()
                     frames = pcap_records(written)
-                    self.assertEqual(bytes(plan.stamp(0, count, checksums=checksums)), b"".join(frames))
-                    self.assertEqual(bytes(plan.stamp(120, 50, None, checksums)), b"".join(frames[120:170]))
+                    slot = plan.frame_length
+
+                    def slots(fs):
+                        return b"".join(f + bytes(slot - len(f)) for f in fs)
+
+                    self.assertEqual([plan.length(i) for i in range(count)], [len(f) for f in frames])
+                    self.assertTrue(plan.min_length <= min(map(len, frames)) <= max(map(len, frames)) <= plan.max_length)
+                    self.assertEqual(plan.frames(0, count, checksums=checksums), frames)
+                    self.assertEqual(bytes(plan.stamp(0, count, checksums=checksums)), slots(frames))
+                    self.assertEqual(bytes(plan.stamp(120, 50, None, checksums)), slots(frames[120:170]))
                     out = bytearray(50 * plan.frame_length)
                     plan.stamp(7, 50, out, checksums=checksums)
-                    self.assertEqual(bytes(out), b"".join(frames[7:57]))
+                    self.assertEqual(bytes(out), slots(frames[7:57]))
                     self.assertEqual([plan.frame(i, checksums=checksums) for i in (0, 1, 299)],
                                      [frames[0], frames[1], frames[299]])
                     if checksums:  # the default
                         self.assertEqual(plan.frame(299), frames[299])
-                        self.assertEqual(bytes(plan.stamp(3, 2)), b"".join(frames[3:5]))
-                    if plan.cycle_length:
+                        self.assertEqual(bytes(plan.stamp(3, 2)), slots(frames[3:5]))
+                    if plan.cycle_length and plain:
                         self.assertEqual(plan.frame(plan.cycle_length + 7, checksums=checksums), frames[7])
                     ours = os.path.join(self.tmp.name, "vrm.pcap")
                     for threads in (1, 3):

@@ -35,6 +35,8 @@ has() {
 }
 
 GOOD_EXAMPLES=(ipv4-udp ipv6-dst vlan-table)
+# Examples whose frames vary in length, fill and signature.
+SHAPED_EXAMPLES=(ipv4-fixed ipv4-incr-fill ipv4-random-prbs ipv6-decr-signature vlan-imix-constant)
 
 case_help() {
     local cmd
@@ -184,7 +186,7 @@ case_frames_file() {
     # The summary line goes to standard error, standard output stays empty.
     [ -s out.txt ] && fail "frames wrote to standard output"
     has err.txt "100 frames, 7624 bytes in "
-    has err.txt "frames/s), checksums IPv4 header, UDP -> f.pcap"
+    has err.txt "frames/s), lengths AUTO 60 (the template), checksums IPv4 header, UDP -> f.pcap"
     [ "$(stat -c %s f.pcap)" -eq $((24 + 100 * (16 + 60))) ] || fail "f.pcap has $(stat -c %s f.pcap) bytes"
     # Little-endian microsecond pcap, Ethernet link type.
     [ "$(od -An -tx1 -N4 f.pcap | tr -d ' ')" = "d4c3b2a1" ] || fail "bad pcap magic"
@@ -472,6 +474,78 @@ case_checksums() {
     run 0 frames "$EX/ipv4-udp.json" -o keep.pcap --checksums keep && has err.txt "checksums kept"
     [ "$(tshark -n -r keep.pcap -o ip.check_checksum:TRUE -Y 'ip.checksum.status==0' 2>/dev/null | wc -l)" -eq 240 ] ||
         fail "--checksums keep: not the 240 stale IPv4 header checksums of the modifiers' bytes"
+}
+
+# 100,000 frames of every example (every length mode and fill): tshark finds no malformed
+# frame, no expert error and no bad checksum, and the lengths follow the block.
+case_shaped() {
+    command -v tshark >/dev/null 2>&1 || { echo "tshark not installed: skipped"; exit 77; }
+    local ex bad n heur
+    bad='_ws.malformed || _ws.expert.severity >= error || ip.checksum.status==0 || udp.checksum.status==0 || tcp.checksum.status==0'
+    # The payloads are fill, not some protocol's messages: no guessing from their bytes (random
+    # fill can look like the start of a STUN message, which is then malformed).
+    read -ra heur <<<"$(tshark -G heuristic-decodes 2>/dev/null |
+        awk '($1 == "udp" || $1 == "tcp") && $3 == "T" { printf " --disable-protocol %s", $2 }')"
+    for ex in "${GOOD_EXAMPLES[@]}" "${SHAPED_EXAMPLES[@]}"; do
+        run 0 frames "$EX/$ex.json" -o "$ex.pcap" --count 100000 --threads 2 || continue
+        tshark -n -r "$ex.pcap" "${heur[@]}" -o ip.check_checksum:TRUE -o udp.check_checksum:TRUE -o tcp.check_checksum:TRUE \
+            -T fields -e frame.len -e _ws.malformed -e _ws.expert.severity -e ip.checksum.status \
+            -e udp.checksum.status >fields.tsv 2>tshark.err || { fail "$ex: tshark failed: $(tail -c 300 tshark.err)"; continue; }
+        n=$(wc -l <fields.tsv)
+        [ "$n" -eq 100000 ] || fail "$ex: tshark read $n frames"
+        tshark -n -r "$ex.pcap" "${heur[@]}" -o ip.check_checksum:TRUE -o udp.check_checksum:TRUE -o tcp.check_checksum:TRUE \
+            -Y "$bad" >bad.txt 2>/dev/null
+        [ -s bad.txt ] && fail "$ex: malformed frames or bad checksums: $(head -3 bad.txt)"
+        cut -f1 fields.tsv >lengths.txt
+        case $ex in
+        ipv4-fixed) [ "$(sort -u lengths.txt)" = 512 ] || fail "$ex: lengths other than 512" ;;
+        ipv4-incr-fill)
+            # 64, 66, ... 1518 and around: frame i has 64 + 2 * (i mod 728).
+            awk '{ if ($1 != 64 + 2 * ((NR - 1) % 728)) { print NR - 1, $1; exit 1 } }' lengths.txt ||
+                fail "$ex: lengths do not step by 2 from 64 to 1518" ;;
+        ipv4-random-prbs)
+            sort -n lengths.txt | awk 'NR == 1 && $1 < 64 { exit 1 } END { if ($1 > 1518) exit 1 }' ||
+                fail "$ex: lengths outside 64..1518"
+            [ "$(sort -u lengths.txt | wc -l)" -gt 1400 ] || fail "$ex: too few distinct lengths for uniform 64..1518" ;;
+        ipv6-decr-signature)
+            awk '{ if ($1 != 1518 - 8 * ((NR - 1) % 180)) { print NR - 1, $1; exit 1 } }' lengths.txt ||
+                fail "$ex: lengths do not step down by 8 from 1518" ;;
+        vlan-imix-constant)
+            # L3 lengths 46, 576, 1500 and 100..1000 after 18 bytes of Ethernet and tag, weights 7:4:1:2.
+            awk '$1 == 64 { a++ } $1 == 594 { b++ } $1 == 1518 { c++ } $1 >= 118 && $1 <= 1018 && $1 != 594 { d++ }
+                 END { if (a < 48000 || a > 52000 || b < 27000 || b > 30200 || c < 6500 || c > 7800) exit 1 }' lengths.txt ||
+                fail "$ex: IMIX lengths not in the weights 7:4:1:2" ;;
+        esac
+    done
+}
+
+# Capture formats and the frame check sequence, as tshark reads them.
+case_formats() {
+    command -v tshark >/dev/null 2>&1 || { echo "tshark not installed: skipped"; exit 77; }
+    local f
+    for f in pcap pcap-ns pcapng; do
+        run 0 frames "$EX/ipv4-random-prbs.json" -o "r.$f" --count 50 --format "$f" || continue
+        tshark -n -r "r.$f" -T fields -e frame.time_epoch -e frame.len >got.tsv 2>/dev/null
+        awk -F'\t' '{ if ($1 + 0 != (NR - 1) / 1000000) { print; exit 1 } }' got.tsv || fail "$f: times are not frame i at i µs"
+        [ "$(wc -l <got.tsv)" -eq 50 ] || fail "$f: tshark read $(wc -l <got.tsv) frames"
+    done
+    cmp -s <(tshark -n -r r.pcap -T fields -e frame.len 2>/dev/null) <(tshark -n -r r.pcapng -T fields -e frame.len 2>/dev/null) ||
+        fail "pcap and pcapng frames differ in length"
+    python3 - "$EX/ipv4-random-prbs.json" >fcs-bad.json <<'PY'
+import json, sys
+b = json.load(open(sys.argv[1]))
+b["baseStream"]["error"] = {"errorFCS": True}
+print(json.dumps(b))
+PY
+    for f in pcap pcapng; do
+        run 0 frames "$EX/ipv4-random-prbs.json" -o "good.$f" --count 40 --format "$f" --fcs || continue
+        run 0 frames fcs-bad.json -o "bad.$f" --count 40 --format "$f" --fcs || continue
+        [ "$(tshark -n -r "good.$f" -o eth.check_fcs:TRUE -Y 'eth.fcs.status == "Good"' 2>/dev/null | wc -l)" -eq 40 ] ||
+            fail "$f --fcs: not 40 good frame check sequences"
+        [ "$(tshark -n -r "bad.$f" -o eth.check_fcs:TRUE -Y 'eth.fcs.status == "Bad"' 2>/dev/null | wc -l)" -eq 40 ] ||
+            fail "$f --fcs with errorFCS: not 40 bad frame check sequences"
+    done
+    run 0 frames fcs-bad.json -o nofcs.pcap --count 4 && has err.txt "errorFCS: this output carries no frame check sequence"
 }
 
 "case_$CASE"

@@ -36,7 +36,8 @@
 #include "traffic/FrameFields.h"
 #include "traffic/JsonRecord.h"
 #include "traffic/OutputFile.h"
-#include "traffic/PcapOut.h"
+#include "traffic/Capture.h"
+#include "traffic/FrameShaper.h"
 
 namespace {
 
@@ -105,8 +106,9 @@ int cmd_validate(const std::string& file, const BlockInput& in) {
     for (const auto& line : mods.ValidationLines()) std::cout << line << '\n';
     if (!mods.Valid()) return kInvalid;
     std::vector<std::string> warnings;
-    checked_plan(in, mods, &warnings);
+    const FrameShaper shaper(in, checked_plan(in, mods, &warnings), mods);
     for (const auto& w : mods.Warnings(in)) warnings.push_back(w);
+    for (const auto& w : shaper.Warnings()) warnings.push_back(w);
     for (const auto& w : warnings) warn(file, w);
     std::cout << "valid: " << in.block.rangeModifiers.size() << " range modifier(s), "
               << in.block.tableModifiers.size() << " table modifier(s), " << in.block.modLinks.size()
@@ -188,25 +190,28 @@ std::string duration(double seconds) {
 }
 
 int cmd_frames(const std::string& file, const BlockInput& in, const std::string& out, uint64_t count,
-               unsigned threads, bool checksums) {
+               unsigned threads, bool checksums, CaptureFormat format, bool fcs) {
     if (count > kIndexLimit)
         throw InputError("--count", "at most " + std::to_string(kIndexLimit) + " frames");
     if (same_file(file, out)) throw InputError("--output", out + " is the block file itself");
     auto mods = build_valid(in);
     std::vector<std::string> warnings;
-    const vrm::common::FramePlan plan = checked_plan(in, *mods, &warnings);
+    ShapeOptions shape;
+    shape.checksums = checksums;
+    shape.fcs = fcs;
+    const FrameShaper shaper(in, checked_plan(in, *mods, &warnings), *mods, shape);
     for (const auto& w : mods->Warnings(in)) warnings.push_back(w);
+    for (const auto& w : shaper.Warnings()) warnings.push_back(w);
     for (const auto& w : warnings) warn(file, w);
-    FrameChecksums sums(in.frame);
-    sums.SetChangingBits(mods->WrittenBits(in));
 
     const bool terminal = isatty(STDERR_FILENO) == 1;
     const auto started = std::chrono::steady_clock::now();
     bool drawn = false;
-    PcapOptions options;
+    CaptureOptions options;
+    options.format = format;
+    options.fcs = fcs;
     options.threads = threads;
     options.watcher = signal_watcher();
-    options.checksums = checksums ? &sums : nullptr;
     options.progress = [&](uint64_t done) {
         const double elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
         if (!terminal || elapsed < 1.0 || count == 0 || done == 0) return;
@@ -219,21 +224,19 @@ int cmd_frames(const std::string& file, const BlockInput& in, const std::string&
         drawn = true;
     };
     if (!terminal) options.progress = nullptr;
-    const FrameStamp stamp = [&plan](uint64_t first, std::size_t n, unsigned char* at, std::size_t stride) {
-        plan.Stamp(first, n, at, stride);
-    };
-    PcapSummary s;
+    CaptureSummary s;
     try {
-        s = write_pcap(out, count, in.frame.size(), stamp, options);
+        s = write_capture(out, count, shaper, options);
     } catch (const std::runtime_error& e) {
         if (drawn) std::fprintf(stderr, "\r\033[K");
         throw Exit{kInvalid, e.what()};
     }
     if (drawn) std::fprintf(stderr, "\r\033[K");
     const double fps = s.seconds > 0 ? static_cast<double>(s.frames) / s.seconds : 0.0;
-    std::fprintf(stderr, "%llu frames, %llu bytes in %.3f s (%.0f frames/s), checksums %s -> %s\n",
+    std::fprintf(stderr, "%llu frames, %llu bytes in %.3f s (%.0f frames/s), lengths %s, checksums %s -> %s\n",
                  static_cast<unsigned long long>(s.frames), static_cast<unsigned long long>(s.bytes), s.seconds,
-                 fps, checksums ? sums.Names().c_str() : "kept", out == "-" ? "standard output" : out.c_str());
+                 fps, shaper.LengthText().c_str(), checksums ? shaper.Checksums().Names().c_str() : "kept",
+                 out == "-" ? "standard output" : out.c_str());
     return kOk;
 }
 
@@ -348,7 +351,8 @@ int main(int argc, char** argv) {
         "Fields for host.modifiers[].field: " +
         field_list() + " (vlan[N].id and vlan[N].pcp for inner tags).");
 
-    std::string file, out, method, checksums = "recompute";
+    std::string file, out, method, checksums = "recompute", format = "pcap";
+    bool fcs = false;
     uint64_t count = 0, start = 0;
     unsigned threads = 1;
     bool at = false, json = false, raw = false;
@@ -378,7 +382,8 @@ int main(int argc, char** argv) {
         "frame template prints the modifiers' own values.\n"
         "Example: streamgen values examples/ipv4-udp.json --count 8 --start 250");
 
-    auto* frames = app.add_subcommand("frames", "Write the frames to a pcap capture (Ethernet)");
+    auto* frames = app.add_subcommand(
+        "frames", "Write the frames as the block describes them (lengths, fill, signature) to a capture (Ethernet)");
     frames->add_option("BLOCK", file, "Stream block JSON file (- for standard input)")->required();
     frames->add_option("-o,--output", out, "Output pcap file (- for standard output)")->required();
     auto* framesCount = frames->add_option("--count", count, "Frames (default: host.frames, else 16)")
@@ -389,6 +394,12 @@ int main(int argc, char** argv) {
                        "recompute (default): IPv4 header, UDP, TCP, ICMPv4 and ICMPv6 checksums of every "
                        "frame; keep: the bytes as the modifiers leave them")
         ->check(CLI::IsMember({"recompute", "keep"}));
+    frames->add_option("--format", format,
+                       "pcap (default; microsecond times), pcap-ns (nanosecond times) or pcapng")
+        ->check(CLI::IsMember({"pcap", "pcap-ns", "pcapng"}));
+    frames->add_flag("--fcs", fcs,
+                     "End every frame with its frame check sequence (wrong in blocks with errorFCS) and mark "
+                     "the capture's link as carrying it");
     frames->footer(
         "The capture appears only when complete; an existing file is replaced then, never before.\n"
         "Example: streamgen frames examples/ipv4-udp.json -o /tmp/ipv4-udp.pcap --count 1000000 --threads 2");
@@ -442,8 +453,11 @@ int main(int argc, char** argv) {
         }
         if (frames->parsed()) {
             const BlockInput in = load_block(file);
+            const CaptureFormat f = format == "pcapng"    ? CaptureFormat::Pcapng
+                                    : format == "pcap-ns" ? CaptureFormat::PcapNano
+                                                          : CaptureFormat::Pcap;
             return finish(cmd_frames(file, in, out, frame_count(in, framesCount, count), threads,
-                                     checksums == "recompute"));
+                                     checksums == "recompute", f, fcs));
         }
         if (request->parsed()) return finish(cmd_request(file, load_block(file), out));
         if (decode->parsed()) return finish(cmd_decode(file));
