@@ -3,6 +3,8 @@
 # depend on where it was installed) and checks it as its consumers see it:
 #   - a CMake consumer (find_package) built with clang++ and no flags;
 #   - a pkg-config consumer built with clang++ -std=c++20 (vrm.pc must not lower it);
+#   - a host of the traffic library (find_package) writes shaped frames whose checksums
+#     tshark finds right;
 #   - streamgen runs from <prefix>/bin without LD_LIBRARY_PATH;
 #   - the libraries export no standard library template instances.
 #   tests/install/check.sh BUILD_DIR
@@ -22,6 +24,16 @@ echo "find_package consumer (clang++, no flags)"
 cmake -S "$here" -B "$work/cmake" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build "$work/cmake" >/dev/null
 "$work/cmake/consumer"
+
+echo "traffic host (find_package, vrm::traffic)"
+"$work/cmake/traffic_host" "$here/../../examples/ipv4-random-prbs.json" "$work/host.pcap" 2000
+if command -v tshark >/dev/null 2>&1; then
+    read -ra heur <<<"$(tshark -G heuristic-decodes 2>/dev/null |
+        awk '($1 == "udp" || $1 == "tcp") && $3 == "T" { printf " --disable-protocol %s", $2 }')"
+    good=$(tshark -n -r "$work/host.pcap" "${heur[@]}" -o ip.check_checksum:TRUE -o udp.check_checksum:TRUE \
+        -Y 'ip.checksum.status == 1 && udp.checksum.status == 1 && !_ws.malformed' 2>/dev/null | wc -l)
+    [ "$good" -eq 2000 ] || { echo "traffic host: $good of 2000 frames with good checksums" >&2; exit 1; }
+fi
 
 echo "pkg-config consumer (clang++ -std=c++20)"
 export PKG_CONFIG_PATH=$libdir/pkgconfig
