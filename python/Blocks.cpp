@@ -10,6 +10,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "common/FramePlan.h"
@@ -121,21 +122,12 @@ std::string path_bytes(const py::object& path) {
     return bytes;
 }
 
-// Raises the OSError that the library's I/O failure `message` ("<file>: <reason>" or
-// "<reason>", the reason a strerror text) stands for. The library reports only the text, so the
-// errno is the one whose text the reason is: with it OSError picks its subclass
+// Raises the OSError of the library's I/O failure: with errno OSError picks its subclass
 // (FileNotFoundError, IsADirectoryError, ...) and carries errno, strerror and `filename`.
-[[noreturn]] void raise_os_error(const std::string& message, const py::object& filename) {
-    const std::size_t colon = message.rfind(": ");
-    const std::string reason = colon == std::string::npos ? message : message.substr(colon + 2);
-    for (int e = 1; e < 256; ++e) {
-        if (reason == std::strerror(e)) {
-            const py::object error = py::handle(PyExc_OSError)(e, reason, filename);
-            PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(error.ptr())), error.ptr());
-            throw py::error_already_set();
-        }
-    }
-    PyErr_SetString(PyExc_OSError, message.c_str());
+[[noreturn]] void raise_os_error(const std::system_error& e, const py::object& filename) {
+    const int code = e.code().value();
+    const py::object error = py::handle(PyExc_OSError)(code, std::string(std::strerror(code)), filename);
+    PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(error.ptr())), error.ptr());
     throw py::error_already_set();
 }
 
@@ -294,8 +286,8 @@ py::dict write_pcap(const Block& b, const py::object& pathArg, const py::object&
         throw;
     } catch (const vrm::traffic::BuildError&) {
         throw;
-    } catch (const std::runtime_error& e) {  // the output file's failures
-        raise_os_error(e.what(), pathArg);
+    } catch (const std::system_error& e) {  // the output file's failures
+        raise_os_error(e, pathArg);
     }
     py::dict d;
     d["frames"] = s.frames;
@@ -310,8 +302,8 @@ std::shared_ptr<Block> load(const py::object& path) {
     std::string text;
     try {
         text = vrm::traffic::read_block_text(file);
-    } catch (const std::runtime_error& e) {
-        raise_os_error(e.what(), path);
+    } catch (const std::system_error& e) {
+        raise_os_error(e, path);
     }
     return std::make_shared<Block>(vrm::traffic::parse_block(text));
 }

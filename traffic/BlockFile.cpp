@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <system_error>
 #include <fstream>
 #include <memory>
 #include <set>
@@ -220,7 +221,7 @@ BlockInput parse_block(const std::string& text) {
 std::string read_block_text(const std::string& file) {
     const bool stdinput = file == "-";
     const int fd = stdinput ? STDIN_FILENO : ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) throw std::runtime_error(std::strerror(errno));
+    if (fd < 0) throw std::system_error(errno, std::generic_category());
     std::string text;
     char buffer[1 << 16];
     int error = 0;
@@ -233,7 +234,7 @@ std::string read_block_text(const std::string& file) {
         if (text.size() > kMaxBlockBytes) break;  // refused by parse_block
     }
     if (!stdinput) ::close(fd);
-    if (error != 0) throw std::runtime_error(std::strerror(error));
+    if (error != 0) throw std::system_error(error, std::generic_category());
     return text;
 }
 

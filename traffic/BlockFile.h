@@ -50,7 +50,7 @@ constexpr std::size_t kMaxBlockBytes = std::size_t{64} << 20;
 
 // Reads and checks `file` ("-": standard input); throws InputError (where: the JSON path) on
 // bad input, including a key given twice in an object and text beyond kMaxBlockBytes, and
-// std::runtime_error with the system's reason when the file cannot be read.
+// std::system_error (the errno) when the file cannot be read.
 BlockInput load_block(const std::string& file);
 // The text of `file` ("-": standard input), reading at most a byte beyond kMaxBlockBytes.
 std::string read_block_text(const std::string& file);

@@ -65,7 +65,7 @@ CaptureSummary write_capture(ByteSink& sink, std::uint64_t count, const FrameSou
 
 // The same into `path` ("-": standard output) through an OutputFile: the capture appears only
 // when complete, and an existing target is untouched on any failure. I/O failures throw
-// std::runtime_error "<path>: <reason>".
+// std::system_error (the errno; what() "<path>: <reason>").
 CaptureSummary write_capture(const std::string& path, std::uint64_t count, const FrameSource& source,
                              const CaptureOptions& options = {});
 

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <system_error>
 #include <random>
 #include <stdexcept>
 
@@ -60,7 +61,7 @@ OutputFile::OutputFile(const std::string& path, TempWatcher* watcher) : m_path(p
     }
     struct stat st {};
     const bool exists = ::stat(path.c_str(), &st) == 0;
-    if (exists && S_ISDIR(st.st_mode)) throw std::runtime_error(path + ": " + std::strerror(EISDIR));
+    if (exists && S_ISDIR(st.st_mode)) throw std::system_error(EISDIR, std::generic_category(), path);
     if ((exists && !S_ISREG(st.st_mode)) || special_name(path)) {
         m_fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
         if (m_fd < 0) Fail(errno);
@@ -68,7 +69,7 @@ OutputFile::OutputFile(const std::string& path, TempWatcher* watcher) : m_path(p
         return;
     }
     const std::string stem = directory_of(path) + "/." + base_of(path) + ".";
-    if (stem.size() + 6 > kMaxPath) throw std::runtime_error(path + ": " + std::strerror(ENAMETOOLONG));
+    if (stem.size() + 6 > kMaxPath) throw std::system_error(ENAMETOOLONG, std::generic_category(), path);
     // A new name each try; the file gets the mode any new file gets (0666 less the umask).
     for (int attempt = 0; attempt < 100 && m_fd < 0; ++attempt) {
         std::string temp = stem + random_suffix();
@@ -79,12 +80,12 @@ OutputFile::OutputFile(const std::string& path, TempWatcher* watcher) : m_path(p
         } else if (errno != EEXIST) {
             const int e = errno;
             if (m_watcher != nullptr) m_watcher->Gone();
-            throw std::runtime_error(path + ": " + std::strerror(e));
+            throw std::system_error(e, std::generic_category(), path);
         }
     }
     if (m_fd < 0) {
         if (m_watcher != nullptr) m_watcher->Gone();
-        throw std::runtime_error(path + ": " + std::strerror(EEXIST));
+        throw std::system_error(EEXIST, std::generic_category(), path);
     }
     m_ownsFd = true;
 }
@@ -95,7 +96,7 @@ std::string OutputFile::Name() const { return m_path == "-" ? "standard output" 
 
 void OutputFile::Fail(int error) {
     Discard();
-    throw std::runtime_error(Name() + ": " + std::strerror(error));
+    throw std::system_error(error, std::generic_category(), Name());
 }
 
 void OutputFile::Discard() {
@@ -129,7 +130,7 @@ void OutputFile::WriteAt(std::uint64_t offset, const void* data, std::size_t siz
         const ssize_t n = ::pwrite(m_fd, p, size, static_cast<off_t>(offset));
         if (n < 0) {
             if (errno == EINTR) continue;
-            throw std::runtime_error(Name() + ": " + std::strerror(errno));
+            throw std::system_error(errno, std::generic_category(), Name());
         }
         p += n;
         offset += static_cast<std::uint64_t>(n);

@@ -27,13 +27,13 @@ class TempWatcher {
 class OutputFile : public ByteSink {
   public:
     // Opens the temporary file (or the target itself when it is not a regular file).
-    // Throws std::runtime_error "<path>: <reason>".
+    // Throws std::system_error (the errno; what() "<path>: <reason>").
     explicit OutputFile(const std::string& path, TempWatcher* watcher = nullptr);
     ~OutputFile() override;
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    // Writes all of `data`; throws std::runtime_error "<path>: <reason>" on failure.
+    // Writes all of `data`; throws std::system_error "<path>: <reason>" on failure.
     void Write(const void* data, std::size_t size) override;
     // True when the bytes go to a new regular file, which WriteAt may fill in any order.
     bool Positional() const { return !m_temp.empty(); }
