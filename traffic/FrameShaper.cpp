@@ -42,6 +42,7 @@ std::string bytes_text(std::size_t first, std::size_t end) {
 FrameShaper::FrameShaper(const BlockInput& in, vrm::common::FramePlan plan, BlockModifiers& mods,
                          const ShapeOptions& options)
     : m_plan(std::move(plan)), m_sums(in.frame), m_options(options), m_template(in.frame.size()) {
+    if (in.frame.empty()) throw InputError("baseStream.frame.data", "the frame template is empty");
     m_sums.SetChangingBits(mods.WrittenBits(in));
     ReadLengths(in);
 

@@ -71,7 +71,8 @@ struct ShapeOptions {
 class FrameShaper : public FrameSource {
   public:
     // `mods` must be placed (PlaceFields) and `plan` made from them (MakePlan). Throws
-    // InputError naming the JSON path of a setting that cannot be honoured: a length outside
+    // InputError naming the JSON path of a setting that cannot be honoured: an empty frame
+    // template, a length outside
     // the headers' end .. kMaxFrameLength, a modifier writing past the shortest frame, a
     // signature that would cover the headers or a modifier's bytes.
     FrameShaper(const BlockInput& in, vrm::common::FramePlan plan, BlockModifiers& mods,
