@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <numeric>
 #include <stdexcept>
 #include <string>
 #include <unordered_map>
@@ -22,15 +23,6 @@ using Generator_3_bll::iMixLengthMode_t;
 const std::string kLengthPath = "baseStream.frame.lengthCfg";
 const std::string kOptionsPath = "baseStream.frame.options";
 const std::string kErrorPath = "baseStream.error";
-
-std::uint64_t gcd(std::uint64_t a, std::uint64_t b) {
-    while (b != 0) {
-        const std::uint64_t t = a % b;
-        a = b;
-        b = t;
-    }
-    return a;
-}
 
 std::string bytes_text(std::size_t first, std::size_t end) {
     return end == first + 1 ? "byte " + std::to_string(first)
@@ -254,7 +246,7 @@ void FrameShaper::MakeStreams(BlockModifiers& mods) {
         if (!mods.IsStream(i) || mods.WindowOf(i).size == 0) continue;
         streamMods.push_back(i);
         const std::uint64_t c = m_plan.ModifierCycle(i);
-        cycle = cycle / gcd(cycle, c) * c;
+        cycle = cycle / std::gcd(cycle, c) * c;
         if (cycle > kMaxStreamCycle) {
             throw InputError(mods.Path(i) + ".useStream",
                              "the stream modifiers' values repeat only after more than " +
