@@ -84,8 +84,7 @@ void read_host_modifier(const Json& j, const std::string& path, const std::vecto
     }
 }
 
-void read_host(const Json& j, BlockInput& in) {
-    const std::string path = "host";
+void read_host(const Json& j, const std::string& path, BlockInput& in) {
     if (!j.is_object()) throw InputError(path, "expected an object, got " + json_kind(j));
     std::set<uint32_t> known;
     for (const auto& r : in.block.rangeModifiers) known.insert(r.modIndex);
@@ -166,7 +165,7 @@ Json::parser_callback_t duplicate_key_check() {
 
 }  // namespace
 
-BlockInput parse_block(const std::string& text) {
+Json parse_json_document(const std::string& text) {
     if (text.size() > kMaxBlockBytes) {
         throw InputError("(document)", "larger than the limit of " + std::to_string(kMaxBlockBytes >> 20) +
                                            " MiB for a block");
@@ -187,7 +186,19 @@ BlockInput parse_block(const std::string& text) {
         const std::string detail = bracket == std::string::npos ? what : what.substr(bracket + 2);
         throw InputError("(document)", "invalid JSON: " + detail);
     }
+    return doc;
+}
+
+BlockInput read_block(const Json& doc, const std::string& path, bool host) {
     BlockInput in;
+    read_record(doc, path, in.block, host ? std::vector<std::string>{"host"} : std::vector<std::string>{});
+    in.frame = parse_hex_text(in.block.baseStream.frame.data, member_path(path, "baseStream.frame.data"));
+    if (host && doc.is_object() && doc.contains("host")) read_host(doc["host"], member_path(path, "host"), in);
+    return in;
+}
+
+BlockInput parse_block(const std::string& text) {
+    const Json doc = parse_json_document(text);
     const Json* block = &doc;
     std::string path;
     if (doc.is_object() && doc.contains("members") && doc.contains("name")) {
@@ -212,10 +223,7 @@ BlockInput parse_block(const std::string& text) {
         block = &blocks[0];
         path = "members.blocks[0]";
     }
-    read_record(*block, path, in.block, path.empty() ? std::vector<std::string>{"host"} : std::vector<std::string>{});
-    in.frame = parse_hex_text(in.block.baseStream.frame.data, member_path(path, "baseStream.frame.data"));
-    if (path.empty() && doc.is_object() && doc.contains("host")) read_host(doc["host"], in);
-    return in;
+    return read_block(*block, path, path.empty());
 }
 
 std::string read_block_text(const std::string& file) {

@@ -24,6 +24,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "interfaces/generator_3_bll_records.h"
 #include "traffic/FrameFields.h"
 
@@ -56,5 +58,13 @@ BlockInput load_block(const std::string& file);
 std::string read_block_text(const std::string& file);
 // Reads and checks JSON text.
 BlockInput parse_block(const std::string& text);
+
+// JSON text parsed with the checks of block files: at most kMaxBlockBytes, no key given twice
+// in an object, errors with their line and column. Throws InputError.
+nlohmann::ordered_json parse_json_document(const std::string& text);
+// The block object `doc` found at `path` of a larger document ("blocks[2]" of a port file),
+// with its own "host" section when `host` is true. Throws InputError naming JSON paths under
+// `path`.
+BlockInput read_block(const nlohmann::ordered_json& doc, const std::string& path, bool host = true);
 
 }  // namespace vrm::traffic

@@ -321,6 +321,29 @@ std::size_t FrameShaper::LengthOf(std::uint64_t i) const {
     return m_minLength;
 }
 
+void FrameShaper::MeanLength(std::uint64_t& num, std::uint64_t& den) const {
+    switch (m_mode) {
+        case Lengths::Fixed:
+            num = m_minLength;
+            den = 1;
+            return;
+        case Lengths::Incr:
+        case Lengths::Decr:
+        case Lengths::Random:
+            num = m_minLength + m_maxLength;
+            den = 2;
+            return;
+        case Lengths::Imix:
+            num = 0;
+            for (std::size_t e = 0; e < m_imix.size(); ++e) {
+                const std::uint64_t weight = m_imix[e].weightEnd - (e == 0 ? 0 : m_imix[e - 1].weightEnd);
+                num += weight * (2 * std::uint64_t{m_imix[e].min} + m_imix[e].span - 1);
+            }
+            den = 2 * m_imixTotal;
+            return;
+    }
+}
+
 void FrameShaper::Finish(unsigned char* f, std::uint64_t i, std::size_t length, std::uint64_t txTime) const {
     if (length > m_template) {
         unsigned char* fill = f + m_template;

@@ -88,6 +88,9 @@ class FrameShaper : public FrameSource {
     std::size_t MaxFrameLength() const { return m_maxLength; }
     // Frame i's length without the frame check sequence.
     std::size_t LengthOf(std::uint64_t i) const;
+    // The mean frame length (without the frame check sequence) over the length sequence, as
+    // num / den: exact for FIXED, INCR, DECR and IMIX cycles, the expectation for RANDOM.
+    void MeanLength(std::uint64_t& num, std::uint64_t& den) const;
     // Writes frames first .. first + count - 1 at out + k * stride (stride >= MaxLength()),
     // their lengths (frame check sequence included) in lengths[k]. The signature's transmit
     // time is txTimes[k], or, without txTimes, the frame's time alone (i microseconds).

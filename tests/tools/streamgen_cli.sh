@@ -548,6 +548,36 @@ PY
     run 0 frames fcs-bad.json -o nofcs.pcap --count 4 && has err.txt "errorFCS: this output carries no frame check sequence"
 }
 
+# A port of two blocks: the IPv4 block every 672 ns (10% of 10 Gbit/s, 60-byte frames), the
+# IPv6 block in bursts from 10 µs; the same capture for any thread count and in both formats.
+case_port() {
+    command -v tshark >/dev/null 2>&1 || { echo "tshark not installed: skipped"; exit 77; }
+    run 0 port "$EX/port.json" -o p1.pcap --threads 1 || return
+    has err.txt "100000 frames of 2 block(s)"
+    run 0 port "$EX/port.json" -o p3.pcap --threads 3 || return
+    cmp -s p1.pcap p3.pcap || fail "port: the capture differs between 1 and 3 threads"
+    run 0 port "$EX/port.json" -o p.pcapng --format pcapng --count 3000 || return
+    cmp -s <(tshark -n -r p.pcapng -T fields -e frame.time_epoch -e frame.len 2>/dev/null) \
+        <(tshark -n -r p1.pcap -c 3000 -T fields -e frame.time_epoch -e frame.len 2>/dev/null) ||
+        fail "port: pcapng and pcap-ns frames differ"
+    # Nanoseconds of the IPv4 block's frames: 0, 672, 1344, ...
+    tshark -n -r p1.pcap -Y ip -T fields -e frame.time_epoch 2>/dev/null | tr -d . |
+        awk '{ if ($1 + 0 != (NR - 1) * 672) { print NR - 1, $1; exit 1 } }' ||
+        fail "port: the IPv4 block's frames are not 672 ns apart"
+    # The IPv6 block: bursts of 8 from 10 µs.
+    tshark -n -r p1.pcap -Y ipv6 -T fields -e frame.time_epoch 2>/dev/null | tr -d . | head -9 >v6.txt
+    [ "$(head -1 v6.txt | awk '{ print $1 + 0 }')" = 10000 ] || fail "port: the IPv6 block does not start at 10 µs"
+    [ "$(wc -l <v6.txt)" -eq 9 ] || fail "port: fewer than 9 IPv6 frames"
+    # Mean frame 799 bytes, 823 on the wire: 658.4 ns apart at the line rate inside a burst,
+    # a burst of 8 every 8 * 13168 ns at 500 Mbit/s.
+    [ "$(awk 'NR == 2 || NR == 9 { printf "%d ", $1 }' v6.txt)" = "10658 115344 " ] ||
+        fail "port: IPv6 bursts not at 10658 and 115344 ns: $(tr '\n' ' ' <v6.txt)"
+    printf '{"blocks": [%s], "common": {"rate": {"fixed": {"rateUnit": "FRAMES_PER_SECOND", "rate": 1000000}}}}\n' \
+        "$(sed -n '/"blocks"/,/^    },$/p' "$EX/port.json" | sed '1d;$d')}" >forever.json
+    run 2 port forever.json -o f.pcap && has err.txt "the port sends for ever"
+    run 0 port forever.json -o f.pcap --duration 0.5 && has err.txt "500 frames of 1 block(s)"
+}
+
 "case_$CASE"
 if [ "$failures" -ne 0 ]; then
     echo "$CASE: $failures failure(s)" >&2

@@ -36,6 +36,7 @@
 #include "traffic/FrameFields.h"
 #include "traffic/JsonRecord.h"
 #include "traffic/OutputFile.h"
+#include "traffic/Port.h"
 #include "traffic/Capture.h"
 #include "traffic/FrameShaper.h"
 
@@ -240,6 +241,54 @@ int cmd_frames(const std::string& file, const BlockInput& in, const std::string&
     return kOk;
 }
 
+// --- port --------------------------------------------------------------------------------------
+
+int cmd_port(const std::string& file, const std::string& out, const CLI::Option* countOpt, uint64_t count,
+             double seconds, unsigned threads, bool checksums, CaptureFormat format, bool fcs) {
+    if (same_file(file, out)) throw InputError("--output", out + " is the port file itself");
+    const PortInput in = load_port(file);
+    uint64_t limit = Schedule::kNoLimit;
+    if (countOpt->count() > 0) {
+        limit = count;
+    } else if (in.frames) {
+        limit = *in.frames;
+    }
+    uint64_t end = Schedule::kNoLimit;
+    if (seconds > 0) {
+        if (seconds > 1.8e10) throw InputError("--duration", "at most 1.8e10 seconds");
+        end = static_cast<uint64_t>(seconds * 1e9 + 0.5);
+    }
+    ShapeOptions shape;
+    shape.checksums = checksums;
+    shape.fcs = fcs;
+    const Port port(in, shape, limit, end);
+    for (const auto& w : port.Warnings()) warn(file == "-" ? "standard input" : file, w);
+    if (port.Frames() == Schedule::kNoLimit) {
+        throw InputError("--count/--duration", "the port sends for ever (CONTINUOUS): give --count, --duration or host.frames");
+    }
+    CaptureOptions options;
+    options.format = format;
+    options.fcs = fcs;
+    options.threads = threads;
+    options.watcher = signal_watcher();
+    CaptureSummary s;
+    try {
+        s = write_capture(out, port.Frames(), port, options);
+    } catch (const std::runtime_error& e) {
+        throw Exit{kInvalid, e.what()};
+    }
+    uint64_t last = 0;
+    if (s.frames > 0) {
+        Schedule::Entry e{};
+        port.Timeline().Entries(s.frames - 1, 1, &e);
+        last = e.time;
+    }
+    std::fprintf(stderr, "%llu frames of %zu block(s) over %.9f s of schedule, %llu bytes in %.3f s -> %s\n",
+                 static_cast<unsigned long long>(s.frames), port.Blocks(), static_cast<double>(last) / 1e9,
+                 static_cast<unsigned long long>(s.bytes), s.seconds, out == "-" ? "standard output" : out.c_str());
+    return kOk;
+}
+
 // --- request, decode, describe -----------------------------------------------------------------
 
 int cmd_request(const std::string& file, const BlockInput& in, const std::string& out) {
@@ -404,6 +453,22 @@ int main(int argc, char** argv) {
         "The capture appears only when complete; an existing file is replaced then, never before.\n"
         "Example: streamgen frames examples/ipv4-udp.json -o /tmp/ipv4-udp.pcap --count 1000000 --threads 2");
 
+    double seconds = 0;
+    auto* port = app.add_subcommand(
+        "port", "Write the traffic of a port (several blocks at their rates, docs/port.md) to a capture");
+    port->add_option("PORT", file, "Port JSON file (- for standard input)")->required();
+    port->add_option("-o,--output", out, "Output capture (- for standard output)")->required();
+    auto* portCount = port->add_option("--count", count, "At most this many frames (default: host.frames)")
+                          ->check(kNotNegative);
+    port->add_option("--duration", seconds, "At most this many seconds of schedule")->check(CLI::PositiveNumber);
+    port->add_option("--threads", threads, "Threads; the file is the same for any number")->check(CLI::Range(1u, 256u));
+    port->add_option("--checksums", checksums, "recompute (default) or keep")->check(CLI::IsMember({"recompute", "keep"}));
+    port->add_option("--format", format, "pcap-ns (default), pcapng or pcap (microseconds)")
+        ->check(CLI::IsMember({"pcap", "pcap-ns", "pcapng"}));
+    port->add_flag("--fcs", fcs, "End every frame with its frame check sequence");
+    port->footer("Frames are stamped with their scheduled times, from 0 at the port's start.\n"
+                 "Example: streamgen port examples/port.json -o /tmp/port.pcap --count 100000");
+
     auto* request =
         app.add_subcommand("request", "The Generator_3.SetStreamBlock request for the block (after ToRpc)");
     request->add_option("BLOCK", file, "Stream block JSON file (- for standard input)")->required();
@@ -430,7 +495,7 @@ int main(int argc, char** argv) {
     for (const CLI::App* sub : app.get_subcommands({})) known = known || sub->get_name() == argv[1];
     if (!known) {
         std::cerr << "streamgen: unknown command " << argv[1]
-                  << " (expected validate, values, frames, request, decode or describe)\n";
+                  << " (expected validate, values, frames, port, request, decode or describe)\n";
         return kBadInput;
     }
     try {
@@ -458,6 +523,12 @@ int main(int argc, char** argv) {
                                                           : CaptureFormat::Pcap;
             return finish(cmd_frames(file, in, out, frame_count(in, framesCount, count), threads,
                                      checksums == "recompute", f, fcs));
+        }
+        if (port->parsed()) {
+            const CaptureFormat f = format == "pcapng" ? CaptureFormat::Pcapng
+                                    : format == "pcap" && port->count("--format") > 0 ? CaptureFormat::Pcap
+                                                                                       : CaptureFormat::PcapNano;
+            return finish(cmd_port(file, out, portCount, count, seconds, threads, checksums == "recompute", f, fcs));
         }
         if (request->parsed()) return finish(cmd_request(file, load_block(file), out));
         if (decode->parsed()) return finish(cmd_decode(file));

@@ -1,0 +1,251 @@
+// The port's timeline from its records: every rate unit to the nanosecond, shares, bursts,
+// start delays, priorities, transmit modes, seeking from any frame, and the refusals.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "traffic/BlockFile.h"
+#include "traffic/ByteSink.h"
+#include "traffic/Capture.h"
+#include "traffic/JsonRecord.h"
+#include "traffic/Port.h"
+#include "traffic/Signature.h"
+
+namespace {
+
+using namespace vrm::traffic;
+using Json = nlohmann::ordered_json;
+__extension__ typedef unsigned __int128 U128;
+
+// A 60-byte IPv4/UDP block (84 bytes on the wire with the default overhead).
+Json block(std::uint32_t id, const char* name) {
+    Json b;
+    b["name"] = name;
+    b["blockID"] = id;
+    b["baseStream"]["enabled"] = true;
+    b["baseStream"]["frame"]["data"] =
+        "0010940000020010940000010800 4500002e0000000040110000c0000201c6336401 04001389001a0000000102030405060708090a0b0c0d0e0f1011";
+    return b;
+}
+
+Json profile(std::uint32_t id, std::uint64_t load, const char* unit) {
+    return Json{{"loadProfileId", id}, {"load", load}, {"loadUnit", unit}};
+}
+
+Json one_block_port(std::uint64_t load, const char* unit) {
+    Json p;
+    p["blocks"] = {block(1, "a")};
+    p["loadProfiles"] = {profile(7, load, unit)};
+    p["bindings"] = {{{"streamBlockId", 1}, {"loadProfileId", 7}}};
+    return p;
+}
+
+Port make(const Json& port, std::uint64_t frames = Schedule::kNoLimit) {
+    return Port(parse_port(port.dump()), ShapeOptions{}, frames);
+}
+
+// floor(j num / den), or 2^64 - 1 past it (a time beyond 584 years).
+std::uint64_t floor_times(std::uint64_t j, U128 num, U128 den) {
+    const U128 t = U128{j} * num / den;
+    return t > ~std::uint64_t{0} ? ~std::uint64_t{0} : static_cast<std::uint64_t>(t);
+}
+
+TEST(Port, EveryRateUnitGivesItsIntervalExactly) {
+    struct Row {
+        const char* unit;
+        std::uint64_t value;
+        std::uint64_t num, den;  // nanoseconds between frames, for 60-byte frames on 10 Gbit/s
+    };
+    const Row rows[] = {
+        {"PERCENT_LINE_RATE", 10000000, 672, 1},          // 10%: 672 bits at 1 Gbit/s
+        {"PERCENT_LINE_RATE", 33333333, 6720000000, 33333333},
+        {"FRAMES_PER_SECOND", 1000000000, 1000, 1},       // a million frames per second
+        {"FRAMES_PER_SECOND", 3, 1000000000000, 3},       // 0.003 frames per second
+        {"INTER_FRAME_GAP", 100, 688, 5},                 // (60 + 12 + 100) bytes: 137.6 ns
+        {"IFG_IN_MILLI_SECOND", 3, 15288, 5},             // 57.6 ns + 3 µs
+        {"IFG_IN_NANO_SECOND", 50, 538, 5},               // 57.6 ns + 50 ns
+        {"BITS_PER_SECOND", 300000000, 2240, 1},
+        {"KILOBITS_PER_SECOND", 123456, 672000000, 123456},
+        {"MEGABITS_PER_SECOND", 7, 96000, 1},
+        {"L2_RATE", 500000000, 1024, 1},                  // 64 bytes with the FCS at 500 Mbit/s
+    };
+    for (const Row& r : rows) {
+        SCOPED_TRACE(std::string(r.unit) + " " + std::to_string(r.value));
+        const Port port = make(one_block_port(r.value, r.unit));
+        const Schedule& s = port.Timeline();
+        for (const std::uint64_t j : {0ull, 1ull, 2ull, 3ull, 999ull, 1000000007ull, 1000000000000ull}) {
+            EXPECT_EQ(s.TimeOf(0, j), floor_times(j, r.num, r.den)) << "frame " << j;
+        }
+        // The frames before t: exactly those the interval puts there.
+        for (const std::uint64_t t : {1ull, 5000ull, 123456789ull, 1000000000000ull}) {
+            const U128 x = U128{t} * r.den;
+            EXPECT_EQ(s.CountBefore(0, t), static_cast<std::uint64_t>(x / r.num + (x % r.num != 0))) << "t " << t;
+        }
+    }
+}
+
+// Entries first .. first+count-1 of a timeline, made alone.
+std::vector<Schedule::Entry> entries(const Schedule& s, std::uint64_t first, std::size_t count) {
+    std::vector<Schedule::Entry> e(count);
+    s.Entries(first, count, e.data());
+    return e;
+}
+
+bool same(const Schedule::Entry& a, const Schedule::Entry& b) {
+    return a.time == b.time && a.block == b.block && a.index == b.index;
+}
+
+TEST(Port, BlocksShareTheLineByTheirLoadsAndSeekFromAnyFrame) {
+    Json p;
+    p["blocks"] = {block(1, "fast"), block(2, "slow"), block(3, "late")};
+    p["loadProfiles"] = {profile(1, 30000000, "PERCENT_LINE_RATE"), profile(2, 10000000, "PERCENT_LINE_RATE"),
+                         profile(3, 1000000000, "FRAMES_PER_SECOND")};
+    p["loadProfiles"][2]["startDelay"] = 5;  // µs
+    p["bindings"] = {{{"streamBlockId", 1}, {"loadProfileId", 1}}, {{"streamBlockId", 2}, {"loadProfileId", 2}},
+                     {{"streamBlockId", 3}, {"loadProfileId", 3}}};
+    const Port port = make(p);
+    const Schedule& s = port.Timeline();
+    const auto all = entries(s, 0, 40000);
+    std::uint64_t counts[3] = {0, 0, 0};
+    for (std::size_t k = 0; k < all.size(); ++k) {
+        const auto& e = all[k];
+        ++counts[e.block];
+        EXPECT_EQ(e.time, s.TimeOf(e.block, e.index));
+        if (k > 0) {
+            ASSERT_TRUE(all[k - 1].time < e.time || (all[k - 1].time == e.time && all[k - 1].block < e.block)) << k;
+        }
+    }
+    // 224 ns, 672 ns and 1000 ns from 5 µs: the counts up to the last frame's time.
+    const std::uint64_t end = all.back().time + 1;
+    EXPECT_EQ(counts[0], (end + 223) / 224);
+    EXPECT_EQ(counts[1], (end + 671) / 672);
+    EXPECT_EQ(counts[2], (end - 5000 + 999) / 1000);
+    EXPECT_EQ(all.front().time, 0u);
+    // Any run made alone is the same run.
+    for (const std::uint64_t first : {1ull, 2ull, 3ull, 777ull, 39000ull}) {
+        const auto part = entries(s, first, 1000);
+        for (std::size_t k = 0; k < part.size(); ++k) ASSERT_TRUE(same(part[k], all[first + k])) << first + k;
+    }
+    // Far away: frame n of the port at 10^12 ns and beyond, without walking there.
+    const std::uint64_t n = s.CountBefore(0, 1000000000000ull) + s.CountBefore(1, 1000000000000ull) +
+                            s.CountBefore(2, 1000000000000ull);
+    const auto far = entries(s, n, 3);
+    EXPECT_GE(far[0].time, 1000000000000ull);
+    EXPECT_LT(far[0].time, 1000000000224ull);
+}
+
+TEST(Port, BurstsPrioritiesAndModes) {
+    {   // Bursts of 4 at the line rate, 10% on average: 67.2 ns apart, every 2688 ns.
+        Json p = one_block_port(10000000, "PERCENT_LINE_RATE");
+        p["loadProfiles"][0]["burstSize"] = 4;
+        p["loadProfiles"][0]["burstLoad"] = 100000000;
+        const Port port = make(p);
+        const std::uint64_t want[] = {0, 67, 134, 201, 2688, 2755, 2822, 2889, 5376};
+        for (std::uint64_t j = 0; j < 9; ++j) EXPECT_EQ(port.Timeline().TimeOf(0, j), want[j]) << j;
+    }
+    {   // Equal rates and starts: the higher priority goes first at each nanosecond.
+        Json p;
+        p["blocks"] = {block(1, "low"), block(2, "high")};
+        p["loadProfiles"] = {profile(1, 1000000, "FRAMES_PER_SECOND"), profile(2, 1000000, "FRAMES_PER_SECOND")};
+        p["loadProfiles"][1]["priority"] = 3;
+        p["bindings"] = {{{"streamBlockId", 1}, {"loadProfileId", 1}}, {{"streamBlockId", 2}, {"loadProfileId", 2}}};
+        const Port port = make(p);
+        const auto e = entries(port.Timeline(), 0, 6);
+        for (std::size_t k = 0; k < 6; ++k) EXPECT_EQ(e[k].block, k % 2 == 0 ? 1u : 0u) << k;
+    }
+    struct Mode {
+        const char* common;
+        std::uint64_t frames;
+    };
+    const Mode modes[] = {
+        {R"({"mode": "DURATION", "duration": {"unit": "SECONDS", "duration": 2}})", 2000000},
+        {R"({"mode": "DURATION", "duration": {"unit": "FRAMES", "duration": 777}})", 777},
+        {R"({"mode": "STEP", "stepSize": 12})", 12},
+        {R"({"mode": "CONTINUOUS"})", Schedule::kNoLimit},
+    };
+    for (const Mode& m : modes) {
+        SCOPED_TRACE(m.common);
+        Json p = one_block_port(1000000000, "FRAMES_PER_SECOND");
+        p["common"] = Json::parse(m.common);
+        EXPECT_EQ(make(p).Frames(), m.frames);
+    }
+}
+
+TEST(Port, CapturesAreTheSameForAnyThreadsAndSignaturesCarryTheTimes) {
+    Json p;
+    Json a = block(1, "a"), b = block(2, "b");
+    b["baseStream"]["frame"]["options"] = {{"insertSigField", true}, {"fillType", "PRBS"}};
+    b["baseStream"]["frame"]["lengthCfg"] = {{"mode", "RANDOM"}, {"minLength", 64}, {"maxLength", 300}};
+    p["blocks"] = {a, b};
+    p["common"]["rate"]["fixed"] = {{"rateUnit", "PERCENT_LINE_RATE"}, {"rate", 50000000}};
+    const Port port = make(p, 5000);
+    std::vector<unsigned char> reference;
+    for (const unsigned threads : {1u, 2u, 3u}) {
+        MemorySink sink;
+        CaptureOptions o;
+        o.format = CaptureFormat::PcapNano;
+        o.threads = threads;
+        write_capture(sink, port.Frames(), port, o);
+        if (threads == 1) {
+            reference = sink.Bytes();
+        } else {
+            EXPECT_EQ(sink.Bytes(), reference) << threads << " threads";
+        }
+    }
+    const std::size_t stride = port.MaxLength();
+    std::vector<unsigned char> out(64 * stride);
+    std::vector<std::uint32_t> lengths(64);
+    std::vector<std::uint64_t> times(64);
+    port.Stamp(4000, 64, out.data(), stride, lengths.data(), times.data());
+    const auto e = entries(port.Timeline(), 4000, 64);
+    int signed_ = 0;
+    for (std::size_t k = 0; k < 64; ++k) {
+        EXPECT_EQ(times[k], e[k].time);
+        Signature s;
+        if (e[k].block == 1) {
+            ASSERT_EQ(read_signature(out.data() + k * stride, lengths[k], s), SignatureCheck::Good);
+            EXPECT_EQ(s.txTime, e[k].time);
+            EXPECT_EQ(s.block, 2);
+            EXPECT_EQ(s.sequence, e[k].index);
+            ++signed_;
+        }
+    }
+    EXPECT_GT(signed_, 10);
+}
+
+TEST(Port, RefusesWhatItCannotSend) {
+    struct Row {
+        const char* patch;
+        const char* where;
+        const char* text;
+    };
+    const Row rows[] = {
+        {R"({"bindings": [{"streamBlockId": 9, "loadProfileId": 7}]})", "bindings[0].streamBlockId", "no block has blockID 9"},
+        {R"({"bindings": [{"streamBlockId": 1, "loadProfileId": 8}]})", "bindings[0].loadProfileId", "no load profile has loadProfileId 8"},
+        {R"({"loadProfiles": [{"loadProfileId": 7, "load": 0, "loadUnit": "FRAMES_PER_SECOND"}]})", "loadProfiles[0].load", "a rate of 0 sends nothing"},
+        {R"({"loadProfiles": [{"loadProfileId": 7, "load": 200000000, "loadUnit": "PERCENT_LINE_RATE"}]})", "loadProfiles[0].load", "beyond the line rate"},
+        {R"({"loadProfiles": [{"loadProfileId": 7, "load": 2000000000000000, "loadUnit": "FRAMES_PER_SECOND"}]})", "loadProfiles[0].load", "more than one frame per nanosecond"},
+        {R"({"loadProfiles": [{"loadProfileId": 7, "load": 20000000000, "loadUnit": "BITS_PER_SECOND"}]})", "loadProfiles", "the blocks' loads add up to 200"},
+        {R"({"common": {"rate": {"random": {}}}})", "common.rate.random", "RANDOM port rates are not modelled"},
+        {R"({"host": {"lineRate": 0}})", "host.lineRate", "a line rate of 0 sends nothing"},
+        {R"({"wires": 1})", "wires", "unknown key"},
+        {R"({"loadProfiles": [{"loadProfileId": 7, "load": 1000, "loadUnit": "FRAMES_PER_SECOND", "burstSize": 10, "burstLoad": 500, "burstLoadUnit": "FRAMES_PER_SECOND"}]})",
+         "loadProfiles[0].burstLoad", "do not fit between bursts"},
+    };
+    for (const Row& r : rows) {
+        SCOPED_TRACE(r.patch);
+        Json p = one_block_port(1000000, "FRAMES_PER_SECOND");
+        p.merge_patch(Json::parse(r.patch));
+        try {
+            make(p);
+            ADD_FAILURE() << "accepted";
+        } catch (const InputError& e) {
+            EXPECT_EQ(e.where(), r.where);
+            EXPECT_NE(std::string(e.what()).find(r.text), std::string::npos) << e.what();
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,228 @@
+#include "traffic/Port.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "traffic/BlockModifiers.h"
+#include "traffic/JsonRecord.h"
+
+namespace vrm::traffic {
+
+namespace {
+
+using Generator_3_bll::durationUnit_t;
+using Generator_3_bll::genTxMode_t;
+using Generator_3_bll::rateMode_t;
+
+constexpr std::uint64_t kNanosecondsPerSecond = 1000000000;
+
+void read_line(const Json& j, const std::string& path, PortInput& in) {
+    if (!j.is_object()) throw InputError(path, "expected an object, got " + json_kind(j));
+    for (const auto& item : j.items()) {
+        const std::string sub = member_path(path, item.key());
+        if (item.key() == "lineRate") {
+            in.line.lineRate = read_integer<std::uint64_t>(item.value(), sub);
+            if (in.line.lineRate == 0) throw InputError(sub, "a line rate of 0 sends nothing");
+        } else if (item.key() == "overhead") {
+            in.line.overhead = read_integer<std::uint32_t>(item.value(), sub);
+        } else if (item.key() == "minimumGap") {
+            in.line.minimumGap = read_integer<std::uint32_t>(item.value(), sub);
+        } else if (item.key() == "frames") {
+            in.frames = read_integer<std::uint64_t>(item.value(), sub);
+        } else {
+            throw InputError(sub, "unknown key (expected one of: lineRate, overhead, minimumGap, frames)");
+        }
+    }
+    if (in.line.minimumGap > in.line.overhead) {
+        throw InputError(member_path(path, "minimumGap"), "is more than the overhead, " + std::to_string(in.line.overhead));
+    }
+}
+
+}  // namespace
+
+PortInput parse_port(const std::string& text) {
+    const Json doc = parse_json_document(text);
+    if (!doc.is_object()) throw InputError("(document)", "expected an object, got " + json_kind(doc));
+    PortInput in;
+    for (const auto& item : doc.items()) {
+        const std::string& key = item.key();
+        const Json& v = item.value();
+        if (key == "common") {
+            read_record(v, key, in.common);
+        } else if (key == "blocks") {
+            if (!v.is_array()) throw InputError(key, "expected an array, got " + json_kind(v));
+            for (std::size_t i = 0; i < v.size(); ++i) in.blocks.push_back(read_block(v[i], element_path(key, i)));
+        } else if (key == "loadProfiles") {
+            read_json(v, key, in.profiles);
+        } else if (key == "bindings") {
+            read_json(v, key, in.bindings);
+        } else if (key == "host") {
+            read_line(v, key, in);
+        } else {
+            throw InputError(key, "unknown key (expected one of: common, blocks, loadProfiles, bindings, host)");
+        }
+    }
+    return in;
+}
+
+PortInput load_port(const std::string& file) { return parse_port(read_block_text(file)); }
+
+Port::~Port() = default;
+
+Port::Port(const PortInput& in, const ShapeOptions& options, std::uint64_t frames, std::uint64_t end) {
+    const auto& common = in.common;
+    // Profiles by id, and which block each binds.
+    std::map<std::uint32_t, std::size_t> profiles;
+    for (std::size_t p = 0; p < in.profiles.size(); ++p) {
+        if (!profiles.emplace(in.profiles[p].loadProfileId, p).second) {
+            throw InputError(element_path("loadProfiles", p) + ".loadProfileId",
+                             "loadProfileId " + std::to_string(in.profiles[p].loadProfileId) + " is given twice");
+        }
+    }
+    std::map<std::uint32_t, std::size_t> blockIds;
+    for (std::size_t b = 0; b < in.blocks.size(); ++b) {
+        if (!blockIds.emplace(in.blocks[b].block.blockID, b).second) {
+            throw InputError(element_path("blocks", b) + ".blockID",
+                             "blockID " + std::to_string(in.blocks[b].block.blockID) + " is given twice");
+        }
+    }
+    std::map<std::uint32_t, std::size_t> bound;  // blockID -> profile position
+    for (std::size_t i = 0; i < in.bindings.size(); ++i) {
+        const auto& binding = in.bindings[i];
+        const std::string path = element_path("bindings", i);
+        if (blockIds.count(binding.streamBlockId) == 0) {
+            throw InputError(path + ".streamBlockId", "no block has blockID " + std::to_string(binding.streamBlockId));
+        }
+        const auto p = profiles.find(binding.loadProfileId);
+        if (p == profiles.end()) {
+            throw InputError(path + ".loadProfileId", "no load profile has loadProfileId " + std::to_string(binding.loadProfileId));
+        }
+        if (!bound.emplace(binding.streamBlockId, p->second).second) {
+            throw InputError(path + ".streamBlockId", "block " + std::to_string(binding.streamBlockId) + " is bound twice");
+        }
+    }
+
+    // The blocks' frames.
+    std::vector<std::size_t> positions;  // of the enabled blocks in the file
+    for (std::size_t b = 0; b < in.blocks.size(); ++b) {
+        if (!in.blocks[b].block.baseStream.enabled) continue;
+        BlockInput block = in.blocks[b];
+        if (!block.port) block.port = common;
+        const std::string path = element_path("blocks", b);
+        Block made;
+        made.name = block.block.name.empty() ? "block " + std::to_string(block.block.blockID) : block.block.name;
+        try {
+            made.mods = std::make_unique<BlockModifiers>(block);
+            if (!made.mods->Valid()) {
+                throw BuildError(path + ": the block is invalid: " + made.mods->ValidationLines().front());
+            }
+            made.mods->PlaceFields(block);
+            made.shaper = std::make_unique<FrameShaper>(block, made.mods->MakePlan(block), *made.mods, options);
+        } catch (const InputError& e) {
+            throw InputError(e.where().rfind(path, 0) == 0 ? e.where() : member_path(path, e.where()), e.what());
+        }
+        for (const auto& w : made.shaper->Warnings()) m_warnings.push_back(path + "." + w);
+        m_maxLength = std::max(m_maxLength, made.shaper->MaxLength());
+        m_blocks.push_back(std::move(made));
+        positions.push_back(b);
+    }
+
+    // Their timing.
+    if (common.rate.rateMode == rateMode_t::RANDOM) {
+        throw InputError("common.rate.random", "RANDOM port rates are not modelled; give a FIXED rate");
+    }
+    std::size_t unbound = 0;
+    for (const std::size_t b : positions) unbound += bound.count(in.blocks[b].block.blockID) == 0 ? 1 : 0;
+    std::vector<BlockTiming> timings;
+    long double load = 0;  // fraction of the line rate
+    for (std::size_t k = 0; k < positions.size(); ++k) {
+        const std::size_t b = positions[k];
+        const auto found = bound.find(in.blocks[b].block.blockID);
+        std::uint64_t meanNum = 0, meanDen = 1;
+        m_blocks[k].shaper->MeanLength(meanNum, meanDen);
+        BlockTiming t;
+        std::uint32_t priority = 0;
+        std::uint32_t burst = 0;
+        LoadProfile_1_bll::rateUnit_t burstUnit{};
+        std::uint64_t burstLoad = 0;
+        std::string burstPath;
+        if (found != bound.end()) {
+            const auto& p = in.profiles[found->second];
+            const std::string path = element_path("loadProfiles", found->second);
+            t.steady = frame_interval(p.loadUnit, p.load, meanNum, meanDen, in.line, path + ".load");
+            t.start = std::uint64_t{p.startDelay} * 1000;
+            priority = p.priority;
+            burst = p.burstSize;
+            burstUnit = p.burstLoadUnit;
+            burstLoad = p.burstLoad;
+            burstPath = path + ".burstLoad";
+        } else {
+            t.steady = frame_interval(common.rate.fixed.rateUnit, common.rate.fixed.rate, meanNum, meanDen, in.line,
+                                      "common.rate.fixed.rate");
+            t.steady = scaled(t.steady, unbound, "common.rate.fixed.rate");
+        }
+        if (burst <= 1 && common.schedParams.burstSize > 1) {
+            burst = static_cast<std::uint32_t>(common.schedParams.burstSize);
+            burstUnit = common.schedParams.burstLoad.rateUnit;
+            burstLoad = common.schedParams.burstLoad.rate;
+            burstPath = "common.schedParams.burstLoad.rate";
+        }
+        if (burst > 1) {
+            t.burst = burst;
+            t.inBurst = frame_interval(burstUnit, burstLoad, meanNum, meanDen, in.line, burstPath);
+            // The burst must end before the next one starts: (burst - 1) * Ib + 1 <= burst * steady.
+            const Fraction period = scaled(t.steady, burst, burstPath);
+            if (times(burst - 1, t.inBurst) >= times(1, period)) {
+                throw InputError(burstPath, "bursts of " + std::to_string(burst) +
+                                                " frames at this load do not fit between bursts at the block's load");
+            }
+        }
+        t.rank = 255 - priority;
+        timings.push_back(t);
+        const long double bitsPerNs =
+            8.0L * (static_cast<long double>(meanNum) / static_cast<long double>(meanDen) + in.line.overhead) /
+            (static_cast<long double>(t.steady.num) / static_cast<long double>(t.steady.den));
+        load += bitsPerNs * 1e9L / static_cast<long double>(in.line.lineRate);
+    }
+    if (load > 1.0L + 1e-9L) {
+        throw InputError(positions.empty() ? std::string("blocks") : std::string("loadProfiles"),
+                         "the blocks' loads add up to " + std::to_string(static_cast<double>(load * 100)) +
+                             "% of the line rate");
+    }
+
+    // Where the port stops.
+    std::uint64_t limit = frames;
+    std::uint64_t stop = end;
+    if (common.mode == genTxMode_t::DURATION) {
+        if (common.duration.unit == durationUnit_t::SECONDS) {
+            const u128 ns = u128{common.duration.duration} * kNanosecondsPerSecond;
+            if (ns < stop) stop = static_cast<std::uint64_t>(ns);
+        } else if (common.duration.unit == durationUnit_t::FRAMES) {
+            limit = std::min(limit, common.duration.duration);
+        } else {
+            throw InputError("common.duration.unit", "DURATION needs SECONDS or FRAMES (TABLE runs are not modelled)");
+        }
+    } else if (common.mode == genTxMode_t::STEP) {
+        limit = std::min<std::uint64_t>(limit, common.stepSize);
+    } else if (common.mode == genTxMode_t::MAX) {
+        throw InputError("common.mode", "MAX is not a transmit mode");
+    }
+    m_schedule = std::make_unique<Schedule>(std::move(timings), limit, stop);
+}
+
+void Port::Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
+                 std::uint32_t* lengths, std::uint64_t* times) const {
+    std::vector<Schedule::Entry> entries(count);
+    m_schedule->Entries(first, count, entries.data());
+    for (std::size_t k = 0; k < count; ++k) times[k] = entries[k].time;
+    // Runs of one block's consecutive frames go to its shaper at once.
+    for (std::size_t k = 0; k < count;) {
+        std::size_t n = 1;
+        while (k + n < count && entries[k + n].block == entries[k].block) ++n;
+        m_blocks[entries[k].block].shaper->Shape(entries[k].index, n, out + k * stride, stride, lengths + k, times + k);
+        k += n;
+    }
+}
+
+}  // namespace vrm::traffic

@@ -1,0 +1,92 @@
+// A software port: the generator's common configuration, stream blocks, load profiles bound to
+// them and the host's facts about the line, read from a port file, and the frames the port
+// sends on its timeline (a FrameSource: any run of frames alone, any number of threads).
+//
+//   {
+//     "common": {...},           genCommonCfg_s: mode, duration, rate, schedParams,
+//                                randomLengthSeed, imix, stepSize
+//     "blocks": [{...}, ...],    stream blocks as in a block file (each with its own "host"
+//                                for field placement); only blocks with baseStream.enabled
+//     "loadProfiles": [{...}],   loadProfile_s
+//     "bindings": [{...}],       streamBlockLoadProfileBinding_s (streamBlockId = blockID)
+//     "host": {"lineRate": 10000000000, "overhead": 24, "minimumGap": 12, "frames": 1000}
+//   }
+//
+// A block's rate is its bound profile's load; blocks without a profile share the port's rate
+// (common.rate, FIXED) equally. A profile's burstSize and burstLoad make bursts (else the
+// port's schedParams burstSize and burstLoad do): burstSize frames at burstLoad, the bursts
+// spaced so that the block's mean rate is its load. startDelay is in microseconds. Frames at
+// the same nanosecond go by priority (higher first), then by their blocks' order in the file.
+// Transmit modes: CONTINUOUS (and unset) sends until the caller's limit; DURATION stops after
+// duration SECONDS or FRAMES; STEP sends stepSize frames.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "interfaces/generator_3_bll_records.h"
+#include "interfaces/loadProfile_1_bll.h"
+#include "traffic/BlockFile.h"
+#include "traffic/FrameShaper.h"
+#include "traffic/FrameSource.h"
+#include "traffic/Rates.h"
+#include "traffic/Schedule.h"
+
+namespace vrm::traffic {
+
+class BlockModifiers;
+
+struct PortInput {
+    Generator_3_bll::genCommonCfg_s common;
+    std::vector<BlockInput> blocks;
+    std::vector<LoadProfile_1_bll::loadProfile_s> profiles;
+    std::vector<LoadProfile_1_bll::streamBlockLoadProfileBinding_s> bindings;
+    LineSettings line;
+    std::optional<std::uint64_t> frames;  // host.frames
+};
+
+// Reads a port file's JSON text; throws InputError with the JSON path of bad input.
+PortInput parse_port(const std::string& text);
+PortInput load_port(const std::string& file);
+
+class Port : public FrameSource {
+  public:
+    // Builds every enabled block's frames and the timeline. `frames` and `end` (nanoseconds)
+    // limit a port that would send for ever (and cut one that would not). Throws InputError
+    // naming the record of a setting that cannot be honoured, BuildError when the library
+    // refuses a block.
+    Port(const PortInput& in, const ShapeOptions& options = {}, std::uint64_t frames = Schedule::kNoLimit,
+         std::uint64_t end = Schedule::kNoLimit);
+    ~Port() override;
+
+    std::size_t MaxLength() const override { return m_maxLength; }
+    // Frames first .. first + count - 1 of the port; times[k] is the scheduled time (also in
+    // the signature).
+    void Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
+               std::uint32_t* lengths, std::uint64_t* times) const override;
+
+    std::uint64_t Frames() const { return m_schedule->Frames(); }
+    const Schedule& Timeline() const { return *m_schedule; }
+    // The enabled blocks, in file order: their names and their place in the port file.
+    std::size_t Blocks() const { return m_blocks.size(); }
+    const std::string& BlockName(std::size_t b) const { return m_blocks[b].name; }
+    const FrameShaper& BlockFrames(std::size_t b) const { return *m_blocks[b].shaper; }
+    const std::vector<std::string>& Warnings() const { return m_warnings; }
+
+  private:
+    struct Block {
+        std::string name;
+        std::unique_ptr<BlockModifiers> mods;
+        std::unique_ptr<FrameShaper> shaper;
+    };
+    std::vector<Block> m_blocks;
+    std::unique_ptr<Schedule> m_schedule;
+    std::size_t m_maxLength = 0;
+    std::vector<std::string> m_warnings;
+};
+
+}  // namespace vrm::traffic

@@ -1,0 +1,107 @@
+#include "traffic/Schedule.h"
+
+#include <algorithm>
+#include <queue>
+#include <stdexcept>
+#include <string>
+
+namespace vrm::traffic {
+
+namespace {
+
+constexpr std::uint64_t kMax = ~std::uint64_t{0};
+
+std::uint64_t add(std::uint64_t a, std::uint64_t b) { return a > kMax - b ? kMax : a + b; }
+
+}  // namespace
+
+Schedule::Schedule(std::vector<BlockTiming> blocks, std::uint64_t frames, std::uint64_t end)
+    : m_blocks(std::move(blocks)), m_end(end) {
+    for (const auto& b : m_blocks) {
+        Fraction p = b.steady;
+        p.num *= b.burst;  // steady * burst < 2^64 * 2^32 ns: fits
+        m_period.push_back(p);
+    }
+    m_frames = m_end == kNoLimit ? frames : std::min(frames, CountAll(m_end));
+    if (m_blocks.empty()) m_frames = 0;
+}
+
+std::uint64_t Schedule::TimeOf(std::size_t block, std::uint64_t j) const {
+    const BlockTiming& b = m_blocks[block];
+    if (b.burst <= 1) return add(b.start, times(j, b.steady));
+    return add(add(b.start, times(j / b.burst, m_period[block])), times(j % b.burst, b.inBurst));
+}
+
+std::uint64_t Schedule::CountBefore(std::size_t block, std::uint64_t t) const {
+    const BlockTiming& b = m_blocks[block];
+    if (t <= b.start) return 0;
+    const std::uint64_t u = t - b.start;
+    if (b.burst <= 1) return count_below(u, b.steady);
+    const std::uint64_t bursts = count_below(u, m_period[block]);  // bursts started before t
+    const std::uint64_t last = bursts - 1;
+    const std::uint64_t inLast = std::min<std::uint64_t>(b.burst, count_below(u - times(last, m_period[block]), b.inBurst));
+    const u128 total = u128{last} * b.burst + inLast;
+    return total > kMax ? kMax : static_cast<std::uint64_t>(total);
+}
+
+std::uint64_t Schedule::CountAll(std::uint64_t t) const {
+    std::uint64_t n = 0;
+    for (std::size_t b = 0; b < m_blocks.size(); ++b) n = add(n, CountBefore(b, t));
+    return n;
+}
+
+void Schedule::Entries(std::uint64_t first, std::size_t count, Entry* out) const {
+    if (count == 0) return;
+    if (first > m_frames || count > m_frames - first) throw std::out_of_range("frames beyond the schedule's end");
+    // The latest time t with fewer than first + 1 frames before it: frame `first` is at t.
+    std::uint64_t lo = 0, hi = kMax;  // CountAll(lo) <= first < CountAll(hi + 1)
+    while (lo < hi) {
+        const std::uint64_t mid = lo + (hi - lo) / 2 + 1;
+        if (CountAll(mid) <= first) {
+            lo = mid;
+        } else {
+            hi = mid - 1;
+        }
+    }
+    const std::uint64_t t = lo;
+    // Blocks with a frame at t, in rank order; the first `skip` of them come before `first`.
+    std::uint64_t skip = first - CountAll(t);
+    std::vector<std::size_t> tied;
+    std::vector<std::uint64_t> next(m_blocks.size());
+    for (std::size_t b = 0; b < m_blocks.size(); ++b) {
+        next[b] = CountBefore(b, t);
+        if (next[b] != kMax && TimeOf(b, next[b]) == t) tied.push_back(b);
+    }
+    std::sort(tied.begin(), tied.end(), [&](std::size_t a, std::size_t b) {
+        return m_blocks[a].rank != m_blocks[b].rank ? m_blocks[a].rank < m_blocks[b].rank : a < b;
+    });
+    for (std::size_t k = 0; k < skip && k < tied.size(); ++k) ++next[tied[k]];
+
+    struct Next {
+        std::uint64_t time;
+        std::uint32_t rank;
+        std::uint32_t block;
+        std::uint64_t index;
+        bool operator>(const Next& o) const {
+            if (time != o.time) return time > o.time;
+            if (rank != o.rank) return rank > o.rank;
+            return block > o.block;
+        }
+    };
+    std::vector<Next> heap;
+    heap.reserve(m_blocks.size());
+    for (std::size_t b = 0; b < m_blocks.size(); ++b) {
+        heap.push_back({TimeOf(b, next[b]), m_blocks[b].rank, static_cast<std::uint32_t>(b), next[b]});
+    }
+    std::priority_queue<Next, std::vector<Next>, std::greater<Next>> queue(std::greater<Next>(), std::move(heap));
+    for (std::size_t k = 0; k < count; ++k) {
+        Next n = queue.top();
+        queue.pop();
+        out[k] = Entry{n.time, n.block, n.index};
+        ++n.index;
+        n.time = TimeOf(n.block, n.index);
+        queue.push(n);
+    }
+}
+
+}  // namespace vrm::traffic

@@ -1,0 +1,58 @@
+// A port's transmit timeline: several blocks, each sending frames at its own interval, in
+// bursts or steadily, from its own start, merged by time. Frame n of the port is found without
+// walking from frame 0 (a search over time in O(blocks * 64)), so any run of the timeline can
+// be made alone and threads split it exactly.
+//
+// Block b's frame j (burst size S, burst period P = S * steady interval, interval inside a
+// burst Ib; S = 1 without bursts): with k = j / S and i = j mod S,
+//   time = start + floor(k * P) + floor(i * Ib)   nanoseconds (exact integer arithmetic).
+// Frames at the same nanosecond go in rank order (lower first).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "traffic/Rates.h"
+
+namespace vrm::traffic {
+
+struct BlockTiming {
+    std::uint64_t start = 0;  // nanoseconds of the first frame
+    Fraction steady;          // mean time between frames
+    std::uint32_t burst = 1;  // frames per burst
+    Fraction inBurst;         // time between frames of a burst (burst > 1)
+    std::uint32_t rank = 0;   // order at equal times, lower first
+};
+
+class Schedule {
+  public:
+    struct Entry {
+        std::uint64_t time;    // nanoseconds from the port's start
+        std::uint32_t block;   // position in the blocks given
+        std::uint64_t index;   // frame index within the block
+    };
+    static constexpr std::uint64_t kNoLimit = ~std::uint64_t{0};
+
+    // Frames stop at `frames` in all, or at the first frame at or after `end` nanoseconds,
+    // whichever comes first. A burst must fit in its period (checked by the caller).
+    Schedule(std::vector<BlockTiming> blocks, std::uint64_t frames = kNoLimit, std::uint64_t end = kNoLimit);
+
+    // The port's frames (kNoLimit when it sends for ever).
+    std::uint64_t Frames() const { return m_frames; }
+    std::uint64_t TimeOf(std::size_t block, std::uint64_t j) const;
+    // Frames of `block` before `t` nanoseconds.
+    std::uint64_t CountBefore(std::size_t block, std::uint64_t t) const;
+    // Entries first .. first + count - 1 (count at most Frames() - first) into `out`.
+    void Entries(std::uint64_t first, std::size_t count, Entry* out) const;
+    std::size_t Blocks() const { return m_blocks.size(); }
+
+  private:
+    std::uint64_t CountAll(std::uint64_t t) const;
+    std::vector<BlockTiming> m_blocks;
+    std::vector<Fraction> m_period;  // burst period of each block
+    std::uint64_t m_end;
+    std::uint64_t m_frames;
+};
+
+}  // namespace vrm::traffic
