@@ -1,6 +1,7 @@
 #include "traffic/Port.h"
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <set>
 
@@ -216,12 +217,39 @@ void Port::Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std
     std::vector<Schedule::Entry> entries(count);
     m_schedule->Entries(first, count, entries.data());
     for (std::size_t k = 0; k < count; ++k) times[k] = entries[k].time;
-    // Runs of one block's consecutive frames go to its shaper at once.
-    for (std::size_t k = 0; k < count;) {
-        std::size_t n = 1;
-        while (k + n < count && entries[k + n].block == entries[k].block) ++n;
-        m_blocks[entries[k].block].shaper->Shape(entries[k].index, n, out + k * stride, stride, lengths + k, times + k);
-        k += n;
+    std::size_t runs = 0;
+    for (std::size_t k = 0; k < count; ++k) runs += k == 0 || entries[k].block != entries[k - 1].block ? 1 : 0;
+    if (runs * 4 <= count) {
+        // Long runs of one block's consecutive frames go to its shaper at once, in place.
+        for (std::size_t k = 0; k < count;) {
+            std::size_t n = 1;
+            while (k + n < count && entries[k + n].block == entries[k].block) ++n;
+            m_blocks[entries[k].block].shaper->Shape(entries[k].index, n, out + k * stride, stride, lengths + k, times + k);
+            k += n;
+        }
+        return;
+    }
+    // Many blocks taking turns: each block's frames of the run (consecutive in the block) are
+    // made at once into a scratch area, then moved to their places.
+    std::vector<std::size_t> order(count), firstOf(m_blocks.size() + 1, 0);
+    for (const auto& e : entries) ++firstOf[e.block + 1];
+    for (std::size_t b = 0; b < m_blocks.size(); ++b) firstOf[b + 1] += firstOf[b];
+    std::vector<std::size_t> fill(firstOf.begin(), firstOf.end() - 1);
+    for (std::size_t k = 0; k < count; ++k) order[fill[entries[k].block]++] = k;
+    std::vector<unsigned char> scratch(count * stride);
+    std::vector<std::uint32_t> scratchLengths(count);
+    std::vector<std::uint64_t> scratchTimes(count);
+    for (std::size_t k = 0; k < count; ++k) scratchTimes[k] = times[order[k]];
+    for (std::size_t b = 0; b < m_blocks.size(); ++b) {
+        const std::size_t a = firstOf[b], n = firstOf[b + 1] - a;
+        if (n == 0) continue;
+        m_blocks[b].shaper->Shape(entries[order[a]].index, n, scratch.data() + a * stride, stride,
+                                  scratchLengths.data() + a, scratchTimes.data() + a);
+    }
+    for (std::size_t s = 0; s < count; ++s) {
+        const std::size_t k = order[s];
+        lengths[k] = scratchLengths[s];
+        std::memcpy(out + k * stride, scratch.data() + s * stride, scratchLengths[s]);
     }
 }
 

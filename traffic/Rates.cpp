@@ -81,6 +81,10 @@ Fraction frame_interval(rateUnit_t unit, std::uint64_t v, std::uint64_t meanNum,
 }
 
 std::uint64_t times(std::uint64_t k, const Fraction& f) {
+    if (f.den == 1) {
+        const u128 t = u128{k} * f.num;
+        return t > kMax ? kMax : static_cast<std::uint64_t>(t);
+    }
     const u128 q = f.num / f.den, r = f.num % f.den;
     const u128 whole = u128{k} * q;  // q < 2^64
     const u128 part = u128{k} * r / f.den;  // r < den < 2^64
@@ -91,6 +95,10 @@ std::uint64_t times(std::uint64_t k, const Fraction& f) {
 std::uint64_t count_below(std::uint64_t u, const Fraction& f) {
     // floor(k num / den) < u  <=>  k num < u den  <=>  k < ceil(u den / num).
     const u128 x = u128{u} * f.den;
+    if (f.num <= kMax && x <= kMax) {  // 64-bit division where it is enough
+        const auto n = static_cast<std::uint64_t>(f.num), y = static_cast<std::uint64_t>(x);
+        return y / n + (y % n != 0 ? 1 : 0);
+    }
     const u128 c = x / f.num + (x % f.num != 0 ? 1 : 0);
     return c > kMax ? kMax : static_cast<std::uint64_t>(c);
 }

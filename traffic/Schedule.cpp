@@ -1,7 +1,7 @@
 #include "traffic/Schedule.h"
 
 #include <algorithm>
-#include <queue>
+#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -23,6 +23,11 @@ Schedule::Schedule(std::vector<BlockTiming> blocks, std::uint64_t frames, std::u
         m_period.push_back(p);
     }
     m_frames = m_end == kNoLimit ? frames : std::min(frames, CountAll(m_end));
+    m_rate = 0;
+    for (const auto& b : m_blocks) {
+        m_rate += static_cast<long double>(b.steady.den) / static_cast<long double>(b.steady.num);
+    }
+    if (m_rate <= 0) m_rate = 1;
     if (m_blocks.empty()) m_frames = 0;
 }
 
@@ -54,7 +59,20 @@ void Schedule::Entries(std::uint64_t first, std::size_t count, Entry* out) const
     if (count == 0) return;
     if (first > m_frames || count > m_frames - first) throw std::out_of_range("frames beyond the schedule's end");
     // The latest time t with fewer than first + 1 frames before it: frame `first` is at t.
+    // The blocks' mean rates give a first guess; the search brackets it and narrows down.
     std::uint64_t lo = 0, hi = kMax;  // CountAll(lo) <= first < CountAll(hi + 1)
+    const long double guess = static_cast<long double>(first) / m_rate;
+    if (guess < 1.8e19L) {
+        const auto g = static_cast<std::uint64_t>(guess);
+        for (std::uint64_t d = 4096; d < (std::uint64_t{1} << 62); d *= 16) {
+            const std::uint64_t a = g > d ? g - d : 0, b = g < kMax - d ? g + d : kMax;
+            if (CountAll(a) <= first && (b == kMax || CountAll(b + 1) > first)) {
+                lo = a;
+                hi = b;
+                break;
+            }
+        }
+    }
     while (lo < hi) {
         const std::uint64_t mid = lo + (hi - lo) / 2 + 1;
         if (CountAll(mid) <= first) {
@@ -93,14 +111,30 @@ void Schedule::Entries(std::uint64_t first, std::size_t count, Entry* out) const
     for (std::size_t b = 0; b < m_blocks.size(); ++b) {
         heap.push_back({TimeOf(b, next[b]), m_blocks[b].rank, static_cast<std::uint32_t>(b), next[b]});
     }
-    std::priority_queue<Next, std::vector<Next>, std::greater<Next>> queue(std::greater<Next>(), std::move(heap));
+    // A binary heap whose top, once taken, is replaced by the same block's next frame and
+    // sifted down: one pass a frame.
+    std::make_heap(heap.begin(), heap.end(), std::greater<Next>());
+    std::pop_heap(heap.begin(), heap.end(), std::greater<Next>());  // the earliest now at the back
+    const std::size_t size = heap.size();
+    Next* h = heap.data();
+    std::swap(h[0], h[size - 1]);  // and back at the top
     for (std::size_t k = 0; k < count; ++k) {
-        Next n = queue.top();
-        queue.pop();
-        out[k] = Entry{n.time, n.block, n.index};
-        ++n.index;
-        n.time = TimeOf(n.block, n.index);
-        queue.push(n);
+        Next& top = h[0];
+        out[k] = Entry{top.time, top.block, top.index};
+        ++top.index;
+        top.time = TimeOf(top.block, top.index);
+        // Sift the new top down.
+        std::size_t at = 0;
+        const Next moving = top;
+        for (;;) {
+            std::size_t child = 2 * at + 1;
+            if (child >= size) break;
+            if (child + 1 < size && h[child] > h[child + 1]) ++child;
+            if (!(moving > h[child])) break;
+            h[at] = h[child];
+            at = child;
+        }
+        h[at] = moving;
     }
 }
 

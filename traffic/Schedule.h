@@ -51,6 +51,7 @@ class Schedule {
     std::uint64_t CountAll(std::uint64_t t) const;
     std::vector<BlockTiming> m_blocks;
     std::vector<Fraction> m_period;  // burst period of each block
+    long double m_rate = 1;  // frames per nanosecond, all blocks: the search's first guess
     std::uint64_t m_end;
     std::uint64_t m_frames;
 };
