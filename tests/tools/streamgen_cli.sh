@@ -552,11 +552,11 @@ PY
 # IPv6 block in bursts from 10 µs; the same capture for any thread count and in both formats.
 case_port() {
     command -v tshark >/dev/null 2>&1 || { echo "tshark not installed: skipped"; exit 77; }
-    run 0 port "$EX/port.json" -o p1.pcap --threads 1 || return
+    run 0 port "$EX/ports/two-blocks.json" -o p1.pcap --threads 1 || return
     has err.txt "100000 frames of 2 block(s)"
-    run 0 port "$EX/port.json" -o p3.pcap --threads 3 || return
+    run 0 port "$EX/ports/two-blocks.json" -o p3.pcap --threads 3 || return
     cmp -s p1.pcap p3.pcap || fail "port: the capture differs between 1 and 3 threads"
-    run 0 port "$EX/port.json" -o p.pcapng --format pcapng --count 3000 || return
+    run 0 port "$EX/ports/two-blocks.json" -o p.pcapng --format pcapng --count 3000 || return
     cmp -s <(tshark -n -r p.pcapng -T fields -e frame.time_epoch -e frame.len 2>/dev/null) \
         <(tshark -n -r p1.pcap -c 3000 -T fields -e frame.time_epoch -e frame.len 2>/dev/null) ||
         fail "port: pcapng and pcap-ns frames differ"
@@ -573,7 +573,7 @@ case_port() {
     [ "$(awk 'NR == 2 || NR == 9 { printf "%d ", $1 }' v6.txt)" = "10658 115344 " ] ||
         fail "port: IPv6 bursts not at 10658 and 115344 ns: $(tr '\n' ' ' <v6.txt)"
     printf '{"blocks": [%s], "common": {"rate": {"fixed": {"rateUnit": "FRAMES_PER_SECOND", "rate": 1000000}}}}\n' \
-        "$(sed -n '/"blocks"/,/^    },$/p' "$EX/port.json" | sed '1d;$d')}" >forever.json
+        "$(sed -n '/"blocks"/,/^    },$/p' "$EX/ports/two-blocks.json" | sed '1d;$d')}" >forever.json
     run 2 port forever.json -o f.pcap && has err.txt "the port sends for ever"
     run 0 port forever.json -o f.pcap --duration 0.5 && has err.txt "500 frames of 1 block(s)"
 }

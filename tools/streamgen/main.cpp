@@ -467,7 +467,7 @@ int main(int argc, char** argv) {
         ->check(CLI::IsMember({"pcap", "pcap-ns", "pcapng"}));
     port->add_flag("--fcs", fcs, "End every frame with its frame check sequence");
     port->footer("Frames are stamped with their scheduled times, from 0 at the port's start.\n"
-                 "Example: streamgen port examples/port.json -o /tmp/port.pcap --count 100000");
+                 "Example: streamgen port examples/ports/two-blocks.json -o /tmp/port.pcap --count 100000");
 
     auto* request =
         app.add_subcommand("request", "The Generator_3.SetStreamBlock request for the block (after ToRpc)");
