@@ -27,6 +27,7 @@ constexpr std::uint32_t kPcapFcsWords4 = std::uint32_t{2} << 28;
 constexpr std::uint32_t kSectionHeader = 0x0A0D0D0Au;
 constexpr std::uint32_t kInterfaceDescription = 1;
 constexpr std::uint32_t kEnhancedPacket = 6;
+constexpr std::uint16_t kOptComment = 1;
 constexpr std::uint16_t kOptTsresol = 9;
 constexpr std::uint16_t kOptFcslen = 13;
 constexpr std::uint8_t kFcsBits = 32;  // if_fcslen counts bits
@@ -43,12 +44,27 @@ struct Layout {
     std::size_t head;    // record bytes before the frame
     std::size_t tail;    // after the frame and its padding
     std::size_t stride;  // a slot in the block buffer: the longest record
+    // pcapng: each frame's tag as the options of its record (a comment, then the end of
+    // options), when the source names its frames' origins.
+    std::vector<std::vector<unsigned char>> tagOptions;
 
-    Layout(CaptureFormat f, std::size_t max) : format(f), maxLength(max) {
+    Layout(CaptureFormat f, std::size_t max, const std::vector<std::string>& tags) : format(f), maxLength(max) {
         const bool ng = f == CaptureFormat::Pcapng;
         head = ng ? 28 : 16;
         tail = ng ? 4 : 0;
-        stride = Record(max);
+        std::size_t longest = 0;
+        if (ng) {
+            for (const auto& name : tags) {
+                const std::size_t n = std::min<std::size_t>(name.size(), 0xfff0);
+                std::vector<unsigned char> o(4 + pad4(n) + 4, 0);
+                put16(o.data(), kOptComment);
+                put16(o.data() + 2, static_cast<std::uint16_t>(n));
+                std::memcpy(o.data() + 4, name.data(), n);
+                longest = std::max(longest, o.size());
+                tagOptions.push_back(std::move(o));
+            }
+        }
+        stride = Record(max) + longest;
     }
     std::size_t Record(std::size_t length) const {
         return format == CaptureFormat::Pcapng ? head + pad4(length) + tail : head + length;
@@ -103,7 +119,7 @@ std::vector<unsigned char> file_header(const Layout& layout, bool fcs) {
 // in place: a record is never longer than a slot, so each frame moves only towards the start.
 // Returns the bytes of the records.
 std::size_t lay_out(const Layout& layout, unsigned char* buffer, std::uint64_t first, std::size_t n,
-                    const std::uint32_t* lengths, const std::uint64_t* times) {
+                    const std::uint32_t* lengths, const std::uint64_t* times, const std::uint32_t* tags) {
     std::size_t at = 0;
     for (std::size_t k = 0; k < n; ++k) {
         const std::size_t length = lengths[k];
@@ -116,7 +132,15 @@ std::size_t lay_out(const Layout& layout, unsigned char* buffer, std::uint64_t f
         const std::size_t from = k * layout.stride;
         if (from != at) std::memmove(r + layout.head, buffer + from + layout.head, length);
         const std::uint64_t t = times[k];
-        const std::size_t record = layout.Record(length);
+        const std::vector<unsigned char>* options = nullptr;
+        if (!layout.tagOptions.empty()) {
+            if (tags[k] >= layout.tagOptions.size()) {
+                throw std::logic_error("frame source: frame " + std::to_string(first + k) + " has tag " +
+                                       std::to_string(tags[k]) + " beyond its names");
+            }
+            options = &layout.tagOptions[tags[k]];
+        }
+        const std::size_t record = layout.Record(length) + (options != nullptr ? options->size() : 0);
         if (layout.format == CaptureFormat::Pcapng) {
             put32(r, kEnhancedPacket);
             put32(r + 4, static_cast<std::uint32_t>(record));
@@ -126,6 +150,7 @@ std::size_t lay_out(const Layout& layout, unsigned char* buffer, std::uint64_t f
             put32(r + 20, static_cast<std::uint32_t>(length));
             put32(r + 24, static_cast<std::uint32_t>(length));
             std::memset(r + layout.head + length, 0, pad4(length) - length);
+            if (options != nullptr) std::memcpy(r + layout.head + pad4(length), options->data(), options->size());
             put32(r + record - 4, static_cast<std::uint32_t>(record));
         } else {
             const std::uint64_t seconds = t / kNanosPerSecond;
@@ -173,13 +198,15 @@ void run_worker(const Job& job, Shared& shared) {
         std::vector<unsigned char> buffer(slots * layout.stride);
         std::vector<std::uint32_t> lengths(slots);
         std::vector<std::uint64_t> times(slots);
+        std::vector<std::uint32_t> tags(layout.tagOptions.empty() ? 0 : slots);
         while (!shared.failed.load()) {
             const std::uint64_t b = shared.next.fetch_add(1);
             if (b >= job.blocks) return;
             const std::uint64_t first = b * job.blockFrames;
             const auto n = static_cast<std::size_t>(std::min(job.blockFrames, job.count - first));
             job.source->Stamp(first, n, buffer.data() + layout.head, layout.stride, lengths.data(), times.data());
-            const std::size_t size = lay_out(layout, buffer.data(), first, n, lengths.data(), times.data());
+            if (!tags.empty()) job.source->Tags(first, n, tags.data());
+            const std::size_t size = lay_out(layout, buffer.data(), first, n, lengths.data(), times.data(), tags.data());
 
             std::unique_lock<std::mutex> lock(shared.mutex);
             shared.turnChanged.wait(lock, [&] { return shared.turn == b || shared.failed.load(); });
@@ -212,7 +239,7 @@ std::size_t checked_max_length(const FrameSource& source) {
 CaptureSummary write_checked(ByteSink& sink, std::uint64_t count, const FrameSource& source, std::size_t maxLength,
                              const CaptureOptions& options) {
     const auto started = std::chrono::steady_clock::now();
-    const Layout layout(options.format, maxLength);
+    const Layout layout(options.format, maxLength, source.TagNames());
     Job job{};
     job.count = count;
     job.blockFrames = std::max<std::uint64_t>(1, kBlockBytes / layout.stride);

@@ -5,6 +5,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace vrm::traffic {
 
@@ -20,6 +22,18 @@ class FrameSource {
     // several threads at once with disjoint ranges.
     virtual void Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
                        std::uint32_t* lengths, std::uint64_t* times) const = 0;
+
+    // The names of where frames come from (a port's blocks), for captures that can carry them
+    // (pcapng); empty when the source has none.
+    virtual const std::vector<std::string>& TagNames() const {
+        static const std::vector<std::string> none;
+        return none;
+    }
+    // The tag (an index into TagNames()) of frames first .. first + count - 1.
+    virtual void Tags(std::uint64_t first, std::size_t count, std::uint32_t* tags) const {
+        for (std::size_t k = 0; k < count; ++k) tags[k] = 0;
+        (void)first;
+    }
 };
 
 }  // namespace vrm::traffic

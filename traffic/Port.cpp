@@ -125,6 +125,7 @@ Port::Port(const PortInput& in, const ShapeOptions& options, std::uint64_t frame
         }
         for (const auto& w : made.shaper->Warnings()) m_warnings.push_back(path + "." + w);
         m_maxLength = std::max(m_maxLength, made.shaper->MaxLength());
+        m_tagNames.push_back("block " + std::to_string(block.block.blockID) + " " + made.name);
         m_blocks.push_back(std::move(made));
         positions.push_back(b);
     }
@@ -210,6 +211,12 @@ Port::Port(const PortInput& in, const ShapeOptions& options, std::uint64_t frame
         throw InputError("common.mode", "MAX is not a transmit mode");
     }
     m_schedule = std::make_unique<Schedule>(std::move(timings), limit, stop);
+}
+
+void Port::Tags(std::uint64_t first, std::size_t count, std::uint32_t* tags) const {
+    std::vector<Schedule::Entry> entries(count);
+    m_schedule->Entries(first, count, entries.data());
+    for (std::size_t k = 0; k < count; ++k) tags[k] = entries[k].block;
 }
 
 void Port::Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,

@@ -69,6 +69,10 @@ class Port : public FrameSource {
     void Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
                std::uint32_t* lengths, std::uint64_t* times) const override;
 
+    // pcapng names each frame's block: "block <blockID> <name>".
+    const std::vector<std::string>& TagNames() const override { return m_tagNames; }
+    void Tags(std::uint64_t first, std::size_t count, std::uint32_t* tags) const override;
+
     std::uint64_t Frames() const { return m_schedule->Frames(); }
     const Schedule& Timeline() const { return *m_schedule; }
     // The enabled blocks, in file order: their names and their place in the port file.
@@ -84,6 +88,7 @@ class Port : public FrameSource {
         std::unique_ptr<FrameShaper> shaper;
     };
     std::vector<Block> m_blocks;
+    std::vector<std::string> m_tagNames;
     std::unique_ptr<Schedule> m_schedule;
     std::size_t m_maxLength = 0;
     std::vector<std::string> m_warnings;

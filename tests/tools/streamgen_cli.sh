@@ -560,6 +560,10 @@ case_port() {
     cmp -s <(tshark -n -r p.pcapng -T fields -e frame.time_epoch -e frame.len 2>/dev/null) \
         <(tshark -n -r p1.pcap -c 3000 -T fields -e frame.time_epoch -e frame.len 2>/dev/null) ||
         fail "port: pcapng and pcap-ns frames differ"
+    # pcapng names each frame's block in its comment.
+    tshark -n -r p.pcapng -T fields -e frame.comment -e eth.type 2>/dev/null | sort | uniq -c | awk '{ print $2, $3, $4, $5 }' >names.txt
+    [ "$(cat names.txt)" = "block 1 ipv4-flows 0x0800
+block 2 ipv6-bursts 0x86dd" ] || fail "port: pcapng block names: $(cat names.txt)"
     # Nanoseconds of the IPv4 block's frames: 0, 672, 1344, ...
     tshark -n -r p1.pcap -Y ip -T fields -e frame.time_epoch 2>/dev/null | tr -d . |
         awk '{ if ($1 + 0 != (NR - 1) * 672) { print NR - 1, $1; exit 1 } }' ||
