@@ -94,6 +94,8 @@ bool less(const py::int_& a, std::uint64_t b) {
 
 std::string str_of(const py::int_& i) { return py::str(py::handle(i)); }
 
+}  // namespace
+
 // An index argument: IndexError outside frames 0 .. 2**32-1.
 std::uint64_t frame_index(const py::int_& i) {
     if (less(i, 0) || !less(i, kFrameCount)) {
@@ -130,6 +132,8 @@ std::string path_bytes(const py::object& path) {
     PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(error.ptr())), error.ptr());
     throw py::error_already_set();
 }
+
+namespace {
 
 // A writable C-contiguous buffer, held for the duration of a call.
 class WritableBuffer {

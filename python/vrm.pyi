@@ -107,6 +107,30 @@ class Block:
         check sequence. IndexError for a count beyond 2**32, ValueError for a negative one,
         OSError (FileNotFoundError, ...) when the file cannot be written."""
 
+class Port:
+    """A port: common configuration, stream blocks, load profiles and bindings, and the frames
+    it sends on its exact timeline (docs/port.md)."""
+
+    @staticmethod
+    def from_json(source: Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"],
+                  count: Optional[int] = None, duration: Optional[float] = None) -> "Port":
+        """JSON text or bytes, or the path of a port file. ValueError for bad input, OSError
+        for an unreadable file."""
+    @staticmethod
+    def from_dict(port: Dict[str, Any], count: Optional[int] = None,
+                  duration: Optional[float] = None) -> "Port": ...
+    @property
+    def frames(self) -> Optional[int]:
+        """The port's frames; None when it sends for ever."""
+    @property
+    def blocks(self) -> List[str]: ...
+    def schedule(self, first: int = 0, count: Optional[int] = None) -> Dict[str, Any]:
+        """{'time', 'block', 'index'} arrays (NumPy when present, else array.array)."""
+    def write_pcap(self, path: _Path, format: str = "pcap-ns", threads: int = 1,
+                   checksums: bool = True, fcs: bool = False) -> PcapSummary: ...
+    def write_pcapng(self, path: _Path, threads: int = 1, checksums: bool = True,
+                     fcs: bool = False) -> PcapSummary: ...
+
 def request(module: str, method: str, /, **members: Any) -> bytes:
     """The wire bytes of a request; members by their wire names (records as dicts, enums as
     names, byte values as bytes or hex text; omitted members take their defaults)."""

@@ -29,6 +29,7 @@ EXAMPLES = os.environ.get("VRM_EXAMPLES", str(ROOT / "examples"))
 INVALID = os.path.join(EXAMPLES, "invalid.json")
 VALID = sorted(p for p in glob.glob(os.path.join(EXAMPLES, "*.json")) if p != INVALID)
 IPV4 = os.path.join(EXAMPLES, "ipv4-udp.json")
+PORT = os.path.join(EXAMPLES, "ports", "two-blocks.json")
 
 
 def streamgen(*args, check=True):
@@ -174,6 +175,59 @@ class Blocks(unittest.TestCase):
             {"modIndex": 2, "mode": "RANDOM", "width": 2, "field": "udp.sport", "bitOffset": 272, "bitLength": 16,
              "offset": 0},
         ])
+
+
+class Ports(unittest.TestCase):
+    def setUp(self):
+        self.tmp = tempfile.TemporaryDirectory()
+        self.addCleanup(self.tmp.cleanup)
+
+    def test_schedule_and_captures_equal_streamgen_port(self):
+        port = vrm.Port.from_json(PORT)
+        self.assertEqual(port.frames, 100000)
+        self.assertEqual(port.blocks, ["ipv4-flows", "ipv6-bursts"])
+        for fmt in ("pcap-ns", "pcapng"):
+            with self.subTest(format=fmt):
+                ours = os.path.join(self.tmp.name, "ours." + fmt)
+                theirs = os.path.join(self.tmp.name, "theirs." + fmt)
+                self.assertEqual(port.write_pcap(ours, format=fmt, threads=2)["frames"], 100000)
+                streamgen("port", PORT, "-o", theirs, "--format", fmt)
+                with open(ours, "rb") as a, open(theirs, "rb") as b:
+                    self.assertEqual(a.read(), b.read())
+        # The schedule's times are the pcap's stamps (nanosecond pcap, native byte order).
+        with open(os.path.join(self.tmp.name, "ours.pcap-ns"), "rb") as f:
+            data = f.read()
+        stamps, pos = [], 24
+        while pos < len(data) and len(stamps) < 3000:
+            sec, ns, length, _ = struct.unpack_from("=IIII", data, pos)
+            stamps.append(sec * 10**9 + ns)
+            pos += 16 + length
+        self.assertEqual(list(port.schedule(0, 3000)["time"]), stamps)
+        # Any start, without walking there: a run equals the same slice of a longer one.
+        whole = port.schedule(0, 5000)
+        part = port.schedule(1234, 100)
+        for key in ("time", "block", "index"):
+            self.assertEqual(list(part[key]), list(whole[key])[1234:1334])
+
+    def test_sources_limits_and_refusals(self):
+        with open(PORT) as f:
+            doc = json.load(f)
+        for source in (PORT, pathlib.Path(PORT), json.dumps(doc), json.dumps(doc).encode()):
+            with self.subTest(source=type(source).__name__):
+                self.assertEqual(vrm.Port.from_json(source, count=10).frames, 10)
+        self.assertEqual(vrm.Port.from_dict(doc, duration=0.001).frames, len(
+            [t for t in vrm.Port.from_dict(doc).schedule(0, 20000)["time"] if t < 10**6]))
+        forever = dict(doc, common={"mode": "CONTINUOUS"})
+        self.assertIsNone(vrm.Port.from_dict(forever).frames)
+        with self.assertRaisesRegex(ValueError, "sends for ever"):
+            vrm.Port.from_dict(forever).write_pcap(os.path.join(self.tmp.name, "x.pcap"))
+        bad = dict(doc, bindings=[{"streamBlockId": 9, "loadProfileId": 10}])
+        with self.assertRaisesRegex(ValueError, r"bindings\[0\]\.streamBlockId: no block has blockID 9"):
+            vrm.Port.from_dict(bad)
+        with self.assertRaises(FileNotFoundError):
+            vrm.Port.from_json(os.path.join(self.tmp.name, "missing.json"))
+        with self.assertRaises(FileNotFoundError):
+            vrm.Port.from_json(PORT, count=5).write_pcap(os.path.join(self.tmp.name, "no", "x.pcap"))
 
 
 class Messages(unittest.TestCase):
