@@ -133,6 +133,25 @@ std::string path_bytes(const py::object& path) {
     throw py::error_already_set();
 }
 
+vrm::traffic::CaptureOptions capture_options(const std::string& format, unsigned threads, bool fcs) {
+    vrm::traffic::CaptureOptions o;
+    if (!vrm::traffic::parse_capture_format(format, o.format)) {
+        throw py::value_error("format: expected pcap, pcap-ns or pcapng, got " + format);
+    }
+    if (threads < 1 || threads > 256) throw py::value_error("threads: expected 1 to 256");
+    o.threads = threads;
+    o.fcs = fcs;
+    return o;
+}
+
+py::dict summary_dict(const vrm::traffic::CaptureSummary& s) {
+    py::dict d;
+    d["frames"] = s.frames;
+    d["bytes"] = s.bytes;
+    d["seconds"] = s.seconds;
+    return d;
+}
+
 namespace {
 
 // A writable C-contiguous buffer, held for the duration of a call.
@@ -255,17 +274,7 @@ double stamp_native(const Plan& p, const py::int_& firstIndex, const py::int_& c
 py::dict write_pcap(const Block& b, const py::object& pathArg, const py::object& countArg, unsigned threads,
                     bool checksums, const std::string& format, bool fcs) {
     const std::string path = path_bytes(pathArg);
-    if (threads < 1 || threads > 256) throw std::invalid_argument("threads: expected 1 to 256");
-    vrm::traffic::CaptureOptions options;
-    if (format == "pcap") {
-        options.format = vrm::traffic::CaptureFormat::Pcap;
-    } else if (format == "pcap-ns") {
-        options.format = vrm::traffic::CaptureFormat::PcapNano;
-    } else if (format == "pcapng") {
-        options.format = vrm::traffic::CaptureFormat::Pcapng;
-    } else {
-        throw std::invalid_argument("format: expected pcap, pcap-ns or pcapng, got " + format);
-    }
+    vrm::traffic::CaptureOptions options = capture_options(format, threads, fcs);
     std::uint64_t count = 16;
     if (!countArg.is_none()) {
         if (!PyLong_Check(countArg.ptr())) throw py::type_error("count: expected an int or None");
@@ -280,8 +289,6 @@ py::dict write_pcap(const Block& b, const py::object& pathArg, const py::object&
     shape.checksums = checksums;
     shape.fcs = fcs;
     const vrm::traffic::FrameShaper shaper(b.in, b.mods->MakePlan(b.in), *b.mods, shape);
-    options.threads = threads;
-    options.fcs = fcs;
     vrm::traffic::CaptureSummary s;
     try {
         py::gil_scoped_release release;
@@ -293,11 +300,7 @@ py::dict write_pcap(const Block& b, const py::object& pathArg, const py::object&
     } catch (const std::system_error& e) {  // the output file's failures
         raise_os_error(e, pathArg);
     }
-    py::dict d;
-    d["frames"] = s.frames;
-    d["bytes"] = s.bytes;
-    d["seconds"] = s.seconds;
-    return d;
+    return summary_dict(s);
 }
 
 // The block in the file at `path` (str or os.PathLike); OSError when it cannot be read.

@@ -7,6 +7,8 @@
 #include <string>
 #include <system_error>
 
+#include "traffic/Capture.h"
+
 namespace vrmpy {
 
 void bind_blocks(pybind11::module_& m);
@@ -20,5 +22,10 @@ std::uint64_t frame_count(const pybind11::int_& n, std::uint64_t first);
 std::string path_bytes(const pybind11::object& path);
 // Raises the OSError (FileNotFoundError, ...) of a library I/O failure for `filename`.
 [[noreturn]] void raise_os_error(const std::system_error& e, const pybind11::object& filename);
+// Capture options from a write call's arguments: ValueError for an unknown format or threads
+// outside 1 .. 256.
+vrm::traffic::CaptureOptions capture_options(const std::string& format, unsigned threads, bool fcs);
+// {'frames', 'bytes', 'seconds'}
+pybind11::dict summary_dict(const vrm::traffic::CaptureSummary& s);
 
 }  // namespace vrmpy

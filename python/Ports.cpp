@@ -119,19 +119,7 @@ py::dict schedule(const Port& p, const py::int_& firstArg, const py::object& cou
 py::dict write(const Port& p, const py::object& path, const std::string& format, unsigned threads, bool checksums,
                bool fcs) {
     const std::string file = path_bytes(path);
-    if (threads < 1 || threads > 256) throw std::invalid_argument("threads: expected 1 to 256");
-    vrm::traffic::CaptureOptions o;
-    if (format == "pcap-ns") {
-        o.format = vrm::traffic::CaptureFormat::PcapNano;
-    } else if (format == "pcapng") {
-        o.format = vrm::traffic::CaptureFormat::Pcapng;
-    } else if (format == "pcap") {
-        o.format = vrm::traffic::CaptureFormat::Pcap;
-    } else {
-        throw std::invalid_argument("format: expected pcap-ns, pcapng or pcap, got " + format);
-    }
-    o.threads = threads;
-    o.fcs = fcs;
+    const vrm::traffic::CaptureOptions o = capture_options(format, threads, fcs);
     vrm::traffic::ShapeOptions shape;
     shape.checksums = checksums;
     shape.fcs = fcs;
@@ -144,11 +132,7 @@ py::dict write(const Port& p, const py::object& path, const std::string& format,
     } catch (const std::system_error& e) {
         raise_os_error(e, path);
     }
-    py::dict d;
-    d["frames"] = s.frames;
-    d["bytes"] = s.bytes;
-    d["seconds"] = s.seconds;
-    return d;
+    return summary_dict(s);
 }
 
 }  // namespace

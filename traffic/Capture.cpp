@@ -318,4 +318,17 @@ CaptureSummary write_capture(const std::string& path, std::uint64_t count, const
     return summary;
 }
 
+bool parse_capture_format(const std::string& name, CaptureFormat& format) {
+    if (name == "pcap") {
+        format = CaptureFormat::Pcap;
+    } else if (name == "pcap-ns") {
+        format = CaptureFormat::PcapNano;
+    } else if (name == "pcapng") {
+        format = CaptureFormat::Pcapng;
+    } else {
+        return false;
+    }
+    return true;
+}
+
 }  // namespace vrm::traffic

@@ -42,6 +42,9 @@ struct CaptureOptions {
     TempWatcher* watcher = nullptr;
 };
 
+// The format named "pcap", "pcap-ns" or "pcapng"; false for any other name.
+bool parse_capture_format(const std::string& name, CaptureFormat& format);
+
 struct CaptureSummary {
     std::uint64_t frames = 0;
     std::uint64_t bytes = 0;  // size of the capture

@@ -518,16 +518,14 @@ int main(int argc, char** argv) {
         }
         if (frames->parsed()) {
             const BlockInput in = load_block(file);
-            const CaptureFormat f = format == "pcapng"    ? CaptureFormat::Pcapng
-                                    : format == "pcap-ns" ? CaptureFormat::PcapNano
-                                                          : CaptureFormat::Pcap;
+            CaptureFormat f = CaptureFormat::Pcap;
+            parse_capture_format(format, f);  // checked by the option
             return finish(cmd_frames(file, in, out, frame_count(in, framesCount, count), threads,
                                      checksums == "recompute", f, fcs));
         }
         if (port->parsed()) {
-            const CaptureFormat f = format == "pcapng" ? CaptureFormat::Pcapng
-                                    : format == "pcap" && port->count("--format") > 0 ? CaptureFormat::Pcap
-                                                                                       : CaptureFormat::PcapNano;
+            CaptureFormat f = CaptureFormat::PcapNano;  // a port's default: its times are nanoseconds
+            if (port->count("--format") > 0) parse_capture_format(format, f);
             return finish(cmd_port(file, out, portCount, count, seconds, threads, checksums == "recompute", f, fcs));
         }
         if (request->parsed()) return finish(cmd_request(file, load_block(file), out));
