@@ -23,7 +23,7 @@ std::string port_json(int blocks) {
     std::string s = R"({"common": {"mode": "CONTINUOUS"}, "blocks": [)";
     for (int b = 0; b < blocks; ++b) {
         s += std::string(b ? "," : "") + R"({"name": "b)" + std::to_string(b) + R"(", "blockID": )" +
-             std::to_string(b + 1) + R"(, "baseStream": {"enabled": true, "frame": {"data": "001094000002001094000001080045000032000000004011000 0c0000201c633640104001389001e0000000102030405060708090a0b0c0d0e0f10111213"}},
+             std::to_string(b + 1) + R"(, "baseStream": {"enabled": true, "frame": {"data": "001094000002 001094000001 0800 45000032000000004011 0000 c0000201 c6336401 0400 1389 001e 0000 000102030405060708090a0b0c0d0e0f10111213"}},
              "rangeModifiers": [{"modIndex": 1, "offsetReference": "ipv4.src", "initialValue": "c0000201",
              "stepValue": "00000001", "mask": "ffffffff", "recycleCount": 100, "mode": "INCREMENT"}]})";
     }
@@ -41,7 +41,6 @@ std::string port_json(int blocks) {
              std::to_string(b + 1) + "}";
     }
     s += R"(], "host": {"lineRate": 100000000000}})";
-    for (std::size_t at = s.find("000 0c0"); at != std::string::npos; at = s.find("000 0c0")) s.erase(at + 3, 1);
     return s;
 }
 

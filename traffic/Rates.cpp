@@ -28,7 +28,7 @@ Fraction make(u128 num, u128 den, const std::string& path) {
         throw InputError(path, "the time between frames is not representable in nanoseconds (a fraction too fine)");
     }
     if (f.num < f.den) throw InputError(path, "more than one frame per nanosecond");
-    return f;
+    return with_parts(f);
 }
 
 // Products of factors below 2^64 that stay below 2^128; InputError otherwise.
@@ -38,6 +38,12 @@ u128 mul(u128 a, u128 b, const std::string& path) {
 }
 
 }  // namespace
+
+Fraction with_parts(Fraction f) {
+    f.whole = static_cast<std::uint64_t>(f.num / f.den);
+    f.rest = static_cast<std::uint64_t>(f.num % f.den);
+    return f;
+}
 
 Fraction frame_interval(rateUnit_t unit, std::uint64_t v, std::uint64_t meanNum, std::uint64_t meanDen,
                         const LineSettings& line, const std::string& path) {
@@ -85,9 +91,10 @@ std::uint64_t times(std::uint64_t k, const Fraction& f) {
         const u128 t = u128{k} * f.num;
         return t > kMax ? kMax : static_cast<std::uint64_t>(t);
     }
-    const u128 q = f.num / f.den, r = f.num % f.den;
-    const u128 whole = u128{k} * q;  // q < 2^64
-    const u128 part = u128{k} * r / f.den;  // r < den < 2^64
+    const u128 whole = u128{k} * f.whole;
+    const u128 kr = u128{k} * f.rest;  // rest < den < 2^64
+    const auto den = static_cast<std::uint64_t>(f.den);
+    const u128 part = (kr >> 64) == 0 ? u128{static_cast<std::uint64_t>(kr) / den} : kr / den;
     const u128 t = whole + part;
     return t > kMax ? kMax : static_cast<std::uint64_t>(t);
 }

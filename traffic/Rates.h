@@ -35,11 +35,17 @@ struct LineSettings {
     std::uint32_t minimumGap = 12;            // the minimum gap's share of the overhead
 };
 
-// Nanoseconds as the exact fraction num / den (reduced; den below 2^64).
+// Nanoseconds as the exact fraction num / den (reduced; den below 2^64), with its whole part
+// and remainder kept for the per-frame arithmetic (set by with_parts).
 struct Fraction {
     u128 num = 0;
     u128 den = 1;
+    std::uint64_t whole = 0;  // num / den
+    std::uint64_t rest = 0;   // num mod den
 };
+
+// f with its whole part and remainder set.
+Fraction with_parts(Fraction f);
 
 // The time between frames of mean length meanNum / meanDen bytes at `value` in `unit`.
 // Throws InputError(path) for a value of 0 where it means no traffic, an interval under one

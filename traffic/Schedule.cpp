@@ -20,7 +20,7 @@ Schedule::Schedule(std::vector<BlockTiming> blocks, std::uint64_t frames, std::u
     for (const auto& b : m_blocks) {
         Fraction p = b.steady;
         p.num *= b.burst;  // steady * burst < 2^64 * 2^32 ns: fits
-        m_period.push_back(p);
+        m_period.push_back(with_parts(p));
     }
     m_frames = m_end == kNoLimit ? frames : std::min(frames, CountAll(m_end));
     m_rate = 0;
@@ -106,36 +106,85 @@ void Schedule::Entries(std::uint64_t first, std::size_t count, Entry* out) const
             return block > o.block;
         }
     };
-    std::vector<Next> heap;
-    heap.reserve(m_blocks.size());
-    for (std::size_t b = 0; b < m_blocks.size(); ++b) {
-        heap.push_back({TimeOf(b, next[b]), m_blocks[b].rank, static_cast<std::uint32_t>(b), next[b]});
-    }
-    // A binary heap whose top, once taken, is replaced by the same block's next frame and
-    // sifted down: one pass a frame.
-    std::make_heap(heap.begin(), heap.end(), std::greater<Next>());
-    std::pop_heap(heap.begin(), heap.end(), std::greater<Next>());  // the earliest now at the back
-    const std::size_t size = heap.size();
-    Next* h = heap.data();
-    std::swap(h[0], h[size - 1]);  // and back at the top
-    for (std::size_t k = 0; k < count; ++k) {
-        Next& top = h[0];
-        out[k] = Entry{top.time, top.block, top.index};
-        ++top.index;
-        top.time = TimeOf(top.block, top.index);
-        // Sift the new top down.
-        std::size_t at = 0;
-        const Next moving = top;
-        for (;;) {
-            std::size_t child = 2 * at + 1;
-            if (child >= size) break;
-            if (child + 1 < size && h[child] > h[child + 1]) ++child;
-            if (!(moving > h[child])) break;
-            h[at] = h[child];
-            at = child;
+    if (m_blocks.size() <= 8) {
+        // Few blocks: a heap whose top, once taken, is replaced by the same block's next frame
+        // and sifted down.
+        std::vector<Next> heap;
+        for (std::size_t b = 0; b < m_blocks.size(); ++b) {
+            heap.push_back({TimeOf(b, next[b]), m_blocks[b].rank, static_cast<std::uint32_t>(b), next[b]});
         }
-        h[at] = moving;
+        std::make_heap(heap.begin(), heap.end(), std::greater<Next>());
+        std::pop_heap(heap.begin(), heap.end(), std::greater<Next>());  // the earliest now at the back
+        const std::size_t size = heap.size();
+        Next* h = heap.data();
+        std::swap(h[0], h[size - 1]);  // and back at the top
+        for (std::size_t k = 0; k < count; ++k) {
+            Next& top = h[0];
+            out[k] = Entry{top.time, top.block, top.index};
+            ++top.index;
+            top.time = TimeOf(top.block, top.index);
+            std::size_t at = 0;
+            const Next moving = top;
+            for (;;) {
+                std::size_t child = 2 * at + 1;
+                if (child >= size) break;
+                if (child + 1 < size && h[child] > h[child + 1]) ++child;
+                if (!(moving > h[child])) break;
+                h[at] = h[child];
+                at = child;
+            }
+            h[at] = moving;
+        }
+        return;
     }
+    // Many blocks: every block's frames in a window of time that holds at least `count` of
+    // them, sorted by time into buckets, then the first `count` in order.
+    std::uint64_t width = static_cast<std::uint64_t>(std::min<long double>(
+        1.8e19L, static_cast<long double>(count) / m_rate * 1.05L + 64));
+    std::vector<std::uint64_t> last(m_blocks.size());
+    std::uint64_t end = t;
+    for (;;) {
+        end = t < kMax - width ? t + width : kMax;
+        std::uint64_t have = 0;
+        for (std::size_t b = 0; b < m_blocks.size(); ++b) {
+            last[b] = std::max(next[b], CountBefore(b, end));
+            have = add(have, last[b] - next[b]);
+        }
+        if (have >= count || end == kMax) break;
+        width = width > kMax / 2 ? kMax : width * 2;
+    }
+    std::vector<Next> window;
+    for (std::size_t b = 0; b < m_blocks.size(); ++b) {
+        for (std::uint64_t j = next[b]; j < last[b]; ++j) {
+            window.push_back({TimeOf(b, j), m_blocks[b].rank, static_cast<std::uint32_t>(b), j});
+        }
+    }
+    // Buckets of equal spans of time, about one frame each; a bucket's few frames are put in
+    // order by insertion.
+    const std::size_t buckets = window.size();
+    const long double scale = static_cast<long double>(buckets) / (static_cast<long double>(end - t) + 1);
+    auto bucket_of = [&](std::uint64_t time) {
+        const auto x = static_cast<std::size_t>(static_cast<long double>(time - t) * scale);
+        return x < buckets ? x : buckets - 1;
+    };
+    std::vector<std::uint32_t> start(buckets + 1, 0);
+    for (const Next& n : window) ++start[bucket_of(n.time) + 1];
+    for (std::size_t k = 0; k < buckets; ++k) start[k + 1] += start[k];
+    std::vector<Next> sorted(window.size());
+    std::vector<std::uint32_t> fill(start.begin(), start.end() - 1);
+    for (const Next& n : window) sorted[fill[bucket_of(n.time)]++] = n;
+    for (std::size_t k = 0; k < buckets; ++k) {
+        for (std::size_t i = start[k] + 1; i < start[k + 1]; ++i) {
+            const Next moving = sorted[i];
+            std::size_t at = i;
+            while (at > start[k] && sorted[at - 1] > moving) {
+                sorted[at] = sorted[at - 1];
+                --at;
+            }
+            sorted[at] = moving;
+        }
+    }
+    for (std::size_t k = 0; k < count; ++k) out[k] = Entry{sorted[k].time, sorted[k].block, sorted[k].index};
 }
 
 }  // namespace vrm::traffic

@@ -2,6 +2,7 @@
 // start delays, priorities, transmit modes, seeking from any frame, and the refusals.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -134,6 +135,48 @@ TEST(Port, BlocksShareTheLineByTheirLoadsAndSeekFromAnyFrame) {
     const auto far = entries(s, n, 3);
     EXPECT_GE(far[0].time, 1000000000000ull);
     EXPECT_LT(far[0].time, 1000000000224ull);
+}
+
+TEST(Port, ManyBlocksMergeAsAReferenceSortOfEveryFrame) {
+    // 3 and 40 blocks (the two ways of merging) at assorted rates, bursts, delays and
+    // priorities, against every frame's time sorted by (time, rank, block).
+    for (const int blocks : {3, 40}) {
+        SCOPED_TRACE(blocks);
+        std::vector<BlockTiming> timings;
+        for (int b = 0; b < blocks; ++b) {
+            BlockTiming t;
+            t.start = static_cast<std::uint64_t>(b % 7) * 1000;
+            t.steady = with_parts(Fraction{static_cast<U128>(1000 + 37 * b), static_cast<U128>(1 + b % 3)});
+            if (b % 4 == 1) {
+                t.burst = 3;
+                t.inBurst = with_parts(Fraction{7, 1});
+            }
+            t.rank = static_cast<std::uint32_t>(b % 5);
+            timings.push_back(t);
+        }
+        const Schedule s(timings);
+        std::vector<Schedule::Entry> all;
+        const std::uint64_t horizon = 3000000;
+        for (int b = 0; b < blocks; ++b) {
+            for (std::uint64_t j = 0; s.TimeOf(b, j) < horizon; ++j) all.push_back({s.TimeOf(b, j), static_cast<std::uint32_t>(b), j});
+        }
+        std::sort(all.begin(), all.end(), [&](const Schedule::Entry& a, const Schedule::Entry& b) {
+            if (a.time != b.time) return a.time < b.time;
+            if (timings[a.block].rank != timings[b.block].rank) return timings[a.block].rank < timings[b.block].rank;
+            return a.block < b.block;
+        });
+        // Every block's frames before horizon - 10 µs are all there.
+        const auto usable = static_cast<std::size_t>(
+            std::count_if(all.begin(), all.end(), [&](const Schedule::Entry& e) { return e.time < horizon - 10000; }));
+        for (const std::uint64_t first : {0ull, 1ull, 17ull, 999ull, 5000ull}) {
+            const auto got = entries(s, first, 1500);
+            for (std::size_t k = 0; k < got.size() && first + k < usable; ++k) {
+                ASSERT_TRUE(same(got[k], all[first + k])) << "frame " << first + k << ": block " << got[k].block << " index "
+                                                          << got[k].index << " at " << got[k].time << ", want block "
+                                                          << all[first + k].block << " at " << all[first + k].time;
+            }
+        }
+    }
 }
 
 TEST(Port, BurstsPrioritiesAndModes) {
