@@ -60,7 +60,7 @@ BENCHMARK(BM_ThousandBlocksVsOne)->UseManualTime()->MinTime(3.0);
 
 void BM_SeekVsFirstFrame(benchmark::State& state) {
     const Port port(parse_port(port_json(1000)), ShapeOptions{});
-    const Schedule& s = port.Timeline();
+    const Schedule& s = *port.Rates();
     std::uint64_t far = 0;
     for (std::size_t b = 0; b < s.Blocks(); ++b) far += s.CountBefore(b, 1000000000000ull);
     std::vector<Schedule::Entry> out(64);

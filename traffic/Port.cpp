@@ -7,6 +7,7 @@
 
 #include "traffic/BlockModifiers.h"
 #include "traffic/JsonRecord.h"
+#include "traffic/Sequence.h"
 
 namespace vrm::traffic {
 
@@ -58,10 +59,12 @@ PortInput parse_port(const std::string& text) {
             read_json(v, key, in.profiles);
         } else if (key == "bindings") {
             read_json(v, key, in.bindings);
+        } else if (key == "sequence") {
+            read_json(v, key, in.sequence);
         } else if (key == "host") {
             read_line(v, key, in);
         } else {
-            throw InputError(key, "unknown key (expected one of: common, blocks, loadProfiles, bindings, host)");
+            throw InputError(key, "unknown key (expected one of: common, blocks, loadProfiles, bindings, sequence, host)");
         }
     }
     return in;
@@ -130,6 +133,32 @@ Port::Port(const PortInput& in, const ShapeOptions& options, std::uint64_t frame
         positions.push_back(b);
     }
 
+    // Where the port stops.
+    std::uint64_t limit = frames;
+    std::uint64_t stop = end;
+    bool repeatTable = true;  // a sequence table runs again and again unless DURATION is TABLE
+    if (common.mode == genTxMode_t::DURATION) {
+        if (common.duration.unit == durationUnit_t::SECONDS) {
+            const u128 ns = u128{common.duration.duration} * kNanosecondsPerSecond;
+            if (ns < stop) stop = static_cast<std::uint64_t>(ns);
+        } else if (common.duration.unit == durationUnit_t::FRAMES) {
+            limit = std::min(limit, common.duration.duration);
+        } else if (common.duration.unit == durationUnit_t::TABLE) {
+            if (in.sequence.empty()) throw InputError("common.duration.unit", "TABLE needs a sequence table");
+            repeatTable = false;
+        } else {
+            throw InputError("common.duration.unit", "expected SECONDS, FRAMES or TABLE");
+        }
+    } else if (common.mode == genTxMode_t::STEP) {
+        limit = std::min<std::uint64_t>(limit, common.stepSize);
+    } else if (common.mode == genTxMode_t::MAX) {
+        throw InputError("common.mode", "MAX is not a transmit mode");
+    }
+    if (!in.sequence.empty()) {
+        m_timeline = MakeSequence(in, positions, repeatTable, limit, stop);
+        return;
+    }
+
     // Their timing.
     if (common.rate.rateMode == rateMode_t::RANDOM) {
         throw InputError("common.rate.random", "RANDOM port rates are not modelled; give a FIXED rate");
@@ -193,36 +222,83 @@ Port::Port(const PortInput& in, const ShapeOptions& options, std::uint64_t frame
                              "% of the line rate");
     }
 
-    // Where the port stops.
-    std::uint64_t limit = frames;
-    std::uint64_t stop = end;
-    if (common.mode == genTxMode_t::DURATION) {
-        if (common.duration.unit == durationUnit_t::SECONDS) {
-            const u128 ns = u128{common.duration.duration} * kNanosecondsPerSecond;
-            if (ns < stop) stop = static_cast<std::uint64_t>(ns);
-        } else if (common.duration.unit == durationUnit_t::FRAMES) {
-            limit = std::min(limit, common.duration.duration);
-        } else {
-            throw InputError("common.duration.unit", "DURATION needs SECONDS or FRAMES (TABLE runs are not modelled)");
-        }
-    } else if (common.mode == genTxMode_t::STEP) {
-        limit = std::min<std::uint64_t>(limit, common.stepSize);
-    } else if (common.mode == genTxMode_t::MAX) {
-        throw InputError("common.mode", "MAX is not a transmit mode");
+    auto rates = std::make_unique<Schedule>(std::move(timings), limit, stop);
+    m_rates = rates.get();
+    m_timeline = std::move(rates);
+}
+
+std::unique_ptr<FrameTimeline> Port::MakeSequence(const PortInput& in, const std::vector<std::size_t>& positions,
+                                                  bool repeat, std::uint64_t frames, std::uint64_t end) {
+    if (!in.profiles.empty() || !in.bindings.empty()) {
+        m_warnings.push_back("loadProfiles: not used: the sequence table times the frames");
     }
-    m_schedule = std::make_unique<Schedule>(std::move(timings), limit, stop);
+    std::map<std::uint32_t, std::uint32_t> byId;  // blockID -> position among the sending blocks
+    for (std::size_t k = 0; k < positions.size(); ++k) {
+        byId.emplace(in.blocks[positions[k]].block.blockID, static_cast<std::uint32_t>(k));
+    }
+    // Table index -> step (the first enabled entry at or after it).
+    std::vector<std::uint32_t> stepAt(in.sequence.size() + 1, 0);
+    std::vector<SequenceStep> steps;
+    std::uint32_t enabled = 0;
+    for (std::size_t e = 0; e < in.sequence.size(); ++e) {
+        stepAt[e] = enabled;
+        enabled += in.sequence[e].enabled ? 1 : 0;
+    }
+    stepAt[in.sequence.size()] = enabled;
+    for (std::size_t e = 0; e < in.sequence.size(); ++e) {
+        const auto& t = in.sequence[e];
+        if (!t.enabled) continue;
+        const std::string path = element_path("sequence", e);
+        const auto b = byId.find(t.blockId);
+        if (b == byId.end()) {
+            throw InputError(path + ".blockId", "no sending block (baseStream.enabled) has blockID " + std::to_string(t.blockId));
+        }
+        SequenceStep s;
+        s.block = b->second;
+        s.burstSize = std::max<std::uint32_t>(1, t.burstSize);
+        s.burstCount = std::max<std::uint32_t>(1, t.burstCount);
+        std::uint64_t meanNum = 0, meanDen = 1;
+        m_blocks[s.block].shaper->MeanLength(meanNum, meanDen);
+        // A gap of 0 in any unit: back to back at the line rate.
+        auto gap = [&](LoadProfile_1_bll::rateUnit_t unit, std::uint64_t value, const char* name) {
+            if (value == 0) {
+                return frame_interval(LoadProfile_1_bll::rateUnit_t::INTER_FRAME_GAP, in.line.minimumGap, meanNum, meanDen,
+                                      in.line, path + "." + name);
+            }
+            return frame_interval(unit, value, meanNum, meanDen, in.line, path + "." + name);
+        };
+        s.frameGap = gap(t.interFrameGapUnit, t.interFrameGap, "interFrameGap");
+        s.burstGap = gap(t.interBurstGapUnit, t.interBurstGap, "interBurstGap");
+        s.entryGap = gap(t.interEntryGapUnit, t.interEntryGap, "interEntryGap");
+        s.loopCount = t.loopCount;
+        s.continuous = t.enableContinuousTransmission;
+        if (t.loopCount > 0) {
+            if (t.returnToIndex > e) {
+                throw InputError(path + ".returnToIndex", "loops go back: " + std::to_string(t.returnToIndex) +
+                                                              " is after this entry, " + std::to_string(e));
+            }
+            s.returnTo = stepAt[t.returnToIndex];
+        }
+        steps.push_back(s);
+    }
+    if (steps.empty()) throw InputError("sequence", "no entry is enabled");
+    try {
+        return std::make_unique<SequenceSchedule>(steps, m_blocks.size(), repeat, frames, end);
+    } catch (const std::length_error& e) {
+        throw InputError("sequence", e.what());
+    }
 }
 
 void Port::Tags(std::uint64_t first, std::size_t count, std::uint32_t* tags) const {
     std::vector<Schedule::Entry> entries(count);
-    m_schedule->Entries(first, count, entries.data());
+    m_timeline->Entries(first, count, entries.data());
     for (std::size_t k = 0; k < count; ++k) tags[k] = entries[k].block;
 }
 
 void Port::Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
                  std::uint32_t* lengths, std::uint64_t* times) const {
     std::vector<Schedule::Entry> entries(count);
-    m_schedule->Entries(first, count, entries.data());
+    m_timeline->Entries(first, count, entries.data());
     for (std::size_t k = 0; k < count; ++k) times[k] = entries[k].time;
     std::size_t runs = 0;
     for (std::size_t k = 0; k < count; ++k) runs += k == 0 || entries[k].block != entries[k - 1].block ? 1 : 0;

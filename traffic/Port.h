@@ -9,6 +9,8 @@
 //                                for field placement); only blocks with baseStream.enabled
 //     "loadProfiles": [{...}],   loadProfile_s
 //     "bindings": [{...}],       streamBlockLoadProfileBinding_s (streamBlockId = blockID)
+//     "sequence": [{...}],       tableEntry_s: when given, the table times the frames
+//                                (traffic/Sequence.h) and the profiles are not used
 //     "host": {"lineRate": 10000000000, "overhead": 24, "minimumGap": 12, "frames": 1000}
 //   }
 //
@@ -18,7 +20,8 @@
 // spaced so that the block's mean rate is its load. startDelay is in microseconds. Frames at
 // the same nanosecond go by priority (higher first), then by their blocks' order in the file.
 // Transmit modes: CONTINUOUS (and unset) sends until the caller's limit; DURATION stops after
-// duration SECONDS or FRAMES; STEP sends stepSize frames.
+// duration SECONDS or FRAMES, or after one round of the sequence table (TABLE); STEP sends
+// stepSize frames. A sequence table runs round after round except with DURATION TABLE.
 #pragma once
 
 #include <cstddef>
@@ -45,6 +48,7 @@ struct PortInput {
     std::vector<BlockInput> blocks;
     std::vector<LoadProfile_1_bll::loadProfile_s> profiles;
     std::vector<LoadProfile_1_bll::streamBlockLoadProfileBinding_s> bindings;
+    std::vector<Generator_3_bll::tableEntry_s> sequence;
     LineSettings line;
     std::optional<std::uint64_t> frames;  // host.frames
 };
@@ -73,8 +77,10 @@ class Port : public FrameSource {
     const std::vector<std::string>& TagNames() const override { return m_tagNames; }
     void Tags(std::uint64_t first, std::size_t count, std::uint32_t* tags) const override;
 
-    std::uint64_t Frames() const { return m_schedule->Frames(); }
-    const Schedule& Timeline() const { return *m_schedule; }
+    std::uint64_t Frames() const { return m_timeline->Frames(); }
+    const FrameTimeline& Timeline() const { return *m_timeline; }
+    // The rate-based schedule (null when a sequence table times the frames).
+    const Schedule* Rates() const { return m_rates; }
     // The enabled blocks, in file order: their names and their place in the port file.
     std::size_t Blocks() const { return m_blocks.size(); }
     const std::string& BlockName(std::size_t b) const { return m_blocks[b].name; }
@@ -89,7 +95,10 @@ class Port : public FrameSource {
     };
     std::vector<Block> m_blocks;
     std::vector<std::string> m_tagNames;
-    std::unique_ptr<Schedule> m_schedule;
+    std::unique_ptr<FrameTimeline> MakeSequence(const PortInput& in, const std::vector<std::size_t>& positions,
+                                                bool repeat, std::uint64_t frames, std::uint64_t end);
+    std::unique_ptr<FrameTimeline> m_timeline;
+    const Schedule* m_rates = nullptr;
     std::size_t m_maxLength = 0;
     std::vector<std::string> m_warnings;
 };

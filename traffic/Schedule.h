@@ -25,7 +25,8 @@ struct BlockTiming {
     std::uint32_t rank = 0;   // order at equal times, lower first
 };
 
-class Schedule {
+// What a port sends when: frame n of the port is a block's frame at a time.
+class FrameTimeline {
   public:
     struct Entry {
         std::uint64_t time;    // nanoseconds from the port's start
@@ -33,18 +34,24 @@ class Schedule {
         std::uint64_t index;   // frame index within the block
     };
     static constexpr std::uint64_t kNoLimit = ~std::uint64_t{0};
+    virtual ~FrameTimeline() = default;
+    // The port's frames (kNoLimit when it sends for ever).
+    virtual std::uint64_t Frames() const = 0;
+    // Entries first .. first + count - 1 (count at most Frames() - first) into `out`.
+    virtual void Entries(std::uint64_t first, std::size_t count, Entry* out) const = 0;
+};
 
+class Schedule : public FrameTimeline {
+  public:
     // Frames stop at `frames` in all, or at the first frame at or after `end` nanoseconds,
     // whichever comes first. A burst must fit in its period (checked by the caller).
     Schedule(std::vector<BlockTiming> blocks, std::uint64_t frames = kNoLimit, std::uint64_t end = kNoLimit);
 
-    // The port's frames (kNoLimit when it sends for ever).
-    std::uint64_t Frames() const { return m_frames; }
+    std::uint64_t Frames() const override { return m_frames; }
     std::uint64_t TimeOf(std::size_t block, std::uint64_t j) const;
     // Frames of `block` before `t` nanoseconds.
     std::uint64_t CountBefore(std::size_t block, std::uint64_t t) const;
-    // Entries first .. first + count - 1 (count at most Frames() - first) into `out`.
-    void Entries(std::uint64_t first, std::size_t count, Entry* out) const;
+    void Entries(std::uint64_t first, std::size_t count, Entry* out) const override;
     std::size_t Blocks() const { return m_blocks.size(); }
 
   private:

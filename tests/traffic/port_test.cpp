@@ -75,7 +75,7 @@ TEST(Port, EveryRateUnitGivesItsIntervalExactly) {
     for (const Row& r : rows) {
         SCOPED_TRACE(std::string(r.unit) + " " + std::to_string(r.value));
         const Port port = make(one_block_port(r.value, r.unit));
-        const Schedule& s = port.Timeline();
+        const Schedule& s = *port.Rates();
         for (const std::uint64_t j : {0ull, 1ull, 2ull, 3ull, 999ull, 1000000007ull, 1000000000000ull}) {
             EXPECT_EQ(s.TimeOf(0, j), floor_times(j, r.num, r.den)) << "frame " << j;
         }
@@ -107,7 +107,7 @@ TEST(Port, BlocksShareTheLineByTheirLoadsAndSeekFromAnyFrame) {
     p["bindings"] = {{{"streamBlockId", 1}, {"loadProfileId", 1}}, {{"streamBlockId", 2}, {"loadProfileId", 2}},
                      {{"streamBlockId", 3}, {"loadProfileId", 3}}};
     const Port port = make(p);
-    const Schedule& s = port.Timeline();
+    const Schedule& s = *port.Rates();
     const auto all = entries(s, 0, 40000);
     std::uint64_t counts[3] = {0, 0, 0};
     for (std::size_t k = 0; k < all.size(); ++k) {
@@ -186,7 +186,7 @@ TEST(Port, BurstsPrioritiesAndModes) {
         p["loadProfiles"][0]["burstLoad"] = 100000000;
         const Port port = make(p);
         const std::uint64_t want[] = {0, 67, 134, 201, 2688, 2755, 2822, 2889, 5376};
-        for (std::uint64_t j = 0; j < 9; ++j) EXPECT_EQ(port.Timeline().TimeOf(0, j), want[j]) << j;
+        for (std::uint64_t j = 0; j < 9; ++j) EXPECT_EQ(port.Rates()->TimeOf(0, j), want[j]) << j;
     }
     {   // Equal rates and starts: the higher priority goes first at each nanosecond.
         Json p;
@@ -195,7 +195,7 @@ TEST(Port, BurstsPrioritiesAndModes) {
         p["loadProfiles"][1]["priority"] = 3;
         p["bindings"] = {{{"streamBlockId", 1}, {"loadProfileId", 1}}, {{"streamBlockId", 2}, {"loadProfileId", 2}}};
         const Port port = make(p);
-        const auto e = entries(port.Timeline(), 0, 6);
+        const auto e = entries(*port.Rates(), 0, 6);
         for (std::size_t k = 0; k < 6; ++k) EXPECT_EQ(e[k].block, k % 2 == 0 ? 1u : 0u) << k;
     }
     struct Mode {
@@ -242,7 +242,7 @@ TEST(Port, CapturesAreTheSameForAnyThreadsAndSignaturesCarryTheTimes) {
     std::vector<std::uint32_t> lengths(64);
     std::vector<std::uint64_t> times(64);
     port.Stamp(4000, 64, out.data(), stride, lengths.data(), times.data());
-    const auto e = entries(port.Timeline(), 4000, 64);
+    const auto e = entries(*port.Rates(), 4000, 64);
     int signed_ = 0;
     for (std::size_t k = 0; k < 64; ++k) {
         EXPECT_EQ(times[k], e[k].time);
@@ -256,6 +256,76 @@ TEST(Port, CapturesAreTheSameForAnyThreadsAndSignaturesCarryTheTimes) {
         }
     }
     EXPECT_GT(signed_, 10);
+}
+
+// A sequence table's entry: `fps` thousandths of frames per second for every gap.
+Json entry(std::uint32_t blockId, int burstSize, int burstCount, std::uint64_t frameFps, std::uint64_t burstFps,
+           std::uint64_t entryFps) {
+    return Json{{"enabled", true},
+                {"blockId", blockId},
+                {"burstSize", burstSize},
+                {"burstCount", burstCount},
+                {"interFrameGap", frameFps},
+                {"interFrameGapUnit", "FRAMES_PER_SECOND"},
+                {"interBurstGap", burstFps},
+                {"interBurstGapUnit", "FRAMES_PER_SECOND"},
+                {"interEntryGap", entryFps},
+                {"interEntryGapUnit", "FRAMES_PER_SECOND"}};
+}
+
+TEST(Port, SequenceTableRunsItsEntriesLoopsAndRounds) {
+    Json p;
+    p["blocks"] = {block(1, "a"), block(2, "b")};
+    // A: 2 bursts of 3, 1000 ns apart in a burst, 10000 ns between bursts, then 2000 ns.
+    // B: one frame, then back to A twice. A disabled entry in between is skipped.
+    Json disabled = entry(2, 1, 1, 1000000000, 1000000000, 1000000000);
+    disabled["enabled"] = false;
+    Json b = entry(2, 1, 1, 1000000000, 1000000000, 250000000);  // 4000 ns after B
+    b["loopCount"] = 2;
+    b["returnToIndex"] = 0;
+    p["sequence"] = {entry(1, 3, 2, 1000000000, 100000000, 500000000), disabled, b};
+    p["common"] = {{"mode", "DURATION"}, {"duration", {{"unit", "TABLE"}}}};
+    const Port once = make(p);
+    ASSERT_EQ(once.Frames(), 21u);
+    // The reference: each run from its start, walked frame by frame.
+    std::vector<Schedule::Entry> want;
+    std::uint64_t start = 0, aIndex = 0, bIndex = 0;
+    for (int round = 0; round < 3; ++round) {
+        for (std::uint64_t k = 0; k < 2; ++k) {
+            for (std::uint64_t i = 0; i < 3; ++i) want.push_back({start + (k * 2 + i) * 1000 + k * 10000, 0, aIndex++});
+        }
+        start = want.back().time + 2000;
+        want.push_back({start, 1, bIndex++});
+        start += 4000;
+    }
+    const auto got = [&](const Port& port, std::uint64_t first, std::size_t count) {
+        std::vector<Schedule::Entry> e(count);
+        port.Timeline().Entries(first, count, e.data());
+        return e;
+    };
+    const auto all = got(once, 0, 21);
+    for (std::size_t k = 0; k < 21; ++k) ASSERT_TRUE(same(all[k], want[k])) << k << ": " << all[k].time << " want " << want[k].time;
+    for (const std::uint64_t first : {1ull, 6ull, 7ull, 20ull}) {
+        ASSERT_TRUE(same(got(once, first, 1)[0], want[first])) << first;
+    }
+    // Round after round when the port repeats the table: round r is round 0 moved by its span.
+    p["common"] = {{"mode", "CONTINUOUS"}};
+    const Port rounds = make(p, 100);
+    const std::uint64_t span = want.back().time + 4000;
+    const auto r = got(rounds, 42, 21);
+    for (std::size_t k = 0; k < 21; ++k) {
+        ASSERT_EQ(r[k].time, want[k].time + 2 * span) << k;
+        ASSERT_EQ(r[k].index, want[k].index + 2 * (want[k].block == 0 ? 18 : 3)) << k;
+    }
+    // A continuous entry sends for ever and ends the table there.
+    Json c = entry(2, 1, 1, 500000000, 1000000000, 1000000000);
+    c["enableContinuousTransmission"] = true;
+    p["sequence"] = {entry(1, 1, 1, 1000000000, 1000000000, 1000000000), c, entry(1, 1, 1, 1, 1, 1)};
+    const Port forever = make(p);
+    EXPECT_EQ(forever.Frames(), Schedule::kNoLimit);
+    const auto f = got(forever, 0, 5);
+    const std::uint64_t times[] = {0, 1000, 3000, 5000, 7000};
+    for (std::size_t k = 0; k < 5; ++k) EXPECT_EQ(f[k].time, times[k]) << k;
 }
 
 TEST(Port, RefusesWhatItCannotSend) {
@@ -274,6 +344,12 @@ TEST(Port, RefusesWhatItCannotSend) {
         {R"({"common": {"rate": {"random": {}}}})", "common.rate.random", "RANDOM port rates are not modelled"},
         {R"({"host": {"lineRate": 0}})", "host.lineRate", "a line rate of 0 sends nothing"},
         {R"({"wires": 1})", "wires", "unknown key"},
+        {R"({"sequence": [{"enabled": true, "blockId": 5}]})", "sequence[0].blockId", "no sending block (baseStream.enabled) has blockID 5"},
+        {R"({"sequence": [{"enabled": false, "blockId": 1}]})", "sequence", "no entry is enabled"},
+        {R"({"sequence": [{"enabled": true, "blockId": 1, "loopCount": 1, "returnToIndex": 3}]})", "sequence[0].returnToIndex", "loops go back"},
+        {R"({"sequence": [{"enabled": true, "blockId": 1}, {"enabled": true, "blockId": 1, "loopCount": 2000, "returnToIndex": 0},
+                          {"enabled": true, "blockId": 1, "loopCount": 2000, "returnToIndex": 0}]})", "sequence", "more than 1048576 entry runs"},
+        {R"({"common": {"mode": "DURATION", "duration": {"unit": "TABLE"}}})", "common.duration.unit", "TABLE needs a sequence table"},
         {R"({"loadProfiles": [{"loadProfileId": 7, "load": 1000, "loadUnit": "FRAMES_PER_SECOND", "burstSize": 10, "burstLoad": 500, "burstLoadUnit": "FRAMES_PER_SECOND"}]})",
          "loadProfiles[0].burstLoad", "do not fit between bursts"},
     };
