@@ -580,6 +580,15 @@ block 2 ipv6-bursts 0x86dd" ] || fail "port: pcapng block names: $(cat names.txt
         "$(sed -n '/"blocks"/,/^    },$/p' "$EX/ports/two-blocks.json" | sed '1d;$d')}" >forever.json
     run 2 port forever.json -o f.pcap && has err.txt "the port sends for ever"
     run 0 port forever.json -o f.pcap --duration 0.5 && has err.txt "500 frames of 1 block(s)"
+    # The same port as the requests a host sends: the same capture.
+    run 0 requests "$EX/ports/two-blocks.json" -o port.req || return
+    run 0 port --requests port.req -o r.pcap || return
+    cmp -s r.pcap p1.pcap || fail "port --requests: not the capture of the port file"
+    head -c 100 port.req >cut.req
+    run 2 port --requests cut.req -o c.pcap && has err.txt "requests[0]: a length of"
+    printf '\005\000\000\000TMxyz' >bad.req
+    run 2 port --requests bad.req -o c.pcap && has err.txt "requests[0]: decode error"
+    run 2 port "$EX/ports/two-blocks.json" --requests port.req -o c.pcap
 }
 
 "case_$CASE"

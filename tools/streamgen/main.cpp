@@ -30,6 +30,7 @@
 #include "platform/Tm_json.h"
 #include "traffic/BlockFile.h"
 #include "tools/streamgen/Catalogue.h"
+#include "tools/streamgen/Requests.h"
 #include "tools/streamgen/Signals.h"
 #include "traffic/Checksums.h"
 #include "traffic/BlockModifiers.h"
@@ -243,10 +244,21 @@ int cmd_frames(const std::string& file, const BlockInput& in, const std::string&
 
 // --- port --------------------------------------------------------------------------------------
 
-int cmd_port(const std::string& file, const std::string& out, const CLI::Option* countOpt, uint64_t count,
-             double seconds, unsigned threads, bool checksums, CaptureFormat format, bool fcs) {
-    if (same_file(file, out)) throw InputError("--output", out + " is the port file itself");
-    const PortInput in = load_port(file);
+PortInput read_port(const std::string& file, const std::string& requests) {
+    if (requests.empty()) return load_port(file);
+    std::string bytes;
+    try {
+        bytes = read_block_text(requests);
+    } catch (const std::runtime_error& e) {
+        throw Exit{kBadInput, requests + ": " + e.what()};
+    }
+    return port_from_requests(bytes);
+}
+
+int cmd_port(const std::string& file, const std::string& requests, const std::string& out, const CLI::Option* countOpt,
+             uint64_t count, double seconds, unsigned threads, bool checksums, CaptureFormat format, bool fcs) {
+    if (same_file(requests.empty() ? file : requests, out)) throw InputError("--output", out + " is the port's own file");
+    const PortInput in = read_port(file, requests);
     uint64_t limit = Schedule::kNoLimit;
     if (countOpt->count() > 0) {
         limit = count;
@@ -286,6 +298,20 @@ int cmd_port(const std::string& file, const std::string& out, const CLI::Option*
     std::fprintf(stderr, "%llu frames of %zu block(s) over %.9f s of schedule, %llu bytes in %.3f s -> %s\n",
                  static_cast<unsigned long long>(s.frames), port.Blocks(), static_cast<double>(last) / 1e9,
                  static_cast<unsigned long long>(s.bytes), s.seconds, out == "-" ? "standard output" : out.c_str());
+    return kOk;
+}
+
+int cmd_requests(const std::string& file, const std::string& out) {
+    if (same_file(file, out)) throw InputError("--output", out + " is the port file itself");
+    const std::vector<unsigned char> bytes = port_requests(load_port(file));
+    try {
+        OutputFile f(out, signal_watcher());
+        f.Write(bytes.data(), bytes.size());
+        f.Commit();
+    } catch (const std::runtime_error& e) {
+        throw Exit{kInvalid, e.what()};
+    }
+    std::cerr << "port requests: " << bytes.size() << " bytes -> " << (out == "-" ? "standard output" : out) << '\n';
     return kOk;
 }
 
@@ -456,7 +482,13 @@ int main(int argc, char** argv) {
     double seconds = 0;
     auto* port = app.add_subcommand(
         "port", "Write the traffic of a port (several blocks at their rates, docs/port.md) to a capture");
-    port->add_option("PORT", file, "Port JSON file (- for standard input)")->required();
+    std::string requestsFile;
+    auto* portFile = port->add_option("PORT", file, "Port JSON file (- for standard input)");
+    auto* portRequests = port->add_option(
+        "--requests", requestsFile,
+        "Instead of PORT: the port as the requests a host sends (streamgen requests writes them)");
+    portFile->excludes(portRequests);
+    port->require_option(1, 0);
     port->add_option("-o,--output", out, "Output capture (- for standard output)")->required();
     auto* portCount = port->add_option("--count", count, "At most this many frames (default: host.frames)")
                           ->check(kNotNegative);
@@ -468,6 +500,15 @@ int main(int argc, char** argv) {
     port->add_flag("--fcs", fcs, "End every frame with its frame check sequence");
     port->footer("Frames are stamped with their scheduled times, from 0 at the port's start.\n"
                  "Example: streamgen port examples/ports/two-blocks.json -o /tmp/port.pcap --count 100000");
+
+    auto* requests = app.add_subcommand(
+        "requests",
+        "The requests that configure a port (SetCommonCfg, SetStreamBlock, SetLoadProfile, "
+        "StreamBlockLoadProfileBinding, SetTrafficSequenceTable), each after its length (32-bit little-endian)");
+    requests->add_option("PORT", file, "Port JSON file (- for standard input)")->required();
+    requests->add_option("-o,--output", out, "Output file (- for standard output)")->required();
+    requests->footer("Example: streamgen requests examples/ports/two-blocks.json -o port.req && "
+                     "streamgen port --requests port.req -o port.pcap");
 
     auto* request =
         app.add_subcommand("request", "The Generator_3.SetStreamBlock request for the block (after ToRpc)");
@@ -495,7 +536,7 @@ int main(int argc, char** argv) {
     for (const CLI::App* sub : app.get_subcommands({})) known = known || sub->get_name() == argv[1];
     if (!known) {
         std::cerr << "streamgen: unknown command " << argv[1]
-                  << " (expected validate, values, frames, port, request, decode or describe)\n";
+                  << " (expected validate, values, frames, port, requests, request, decode or describe)\n";
         return kBadInput;
     }
     try {
@@ -526,8 +567,10 @@ int main(int argc, char** argv) {
         if (port->parsed()) {
             CaptureFormat f = CaptureFormat::PcapNano;  // a port's default: its times are nanoseconds
             if (port->count("--format") > 0) parse_capture_format(format, f);
-            return finish(cmd_port(file, out, portCount, count, seconds, threads, checksums == "recompute", f, fcs));
+            return finish(cmd_port(file, requestsFile, out, portCount, count, seconds, threads,
+                                   checksums == "recompute", f, fcs));
         }
+        if (requests->parsed()) return finish(cmd_requests(file, out));
         if (request->parsed()) return finish(cmd_request(file, load_block(file), out));
         if (decode->parsed()) return finish(cmd_decode(file));
         if (describe->parsed()) return finish(cmd_describe(method));
