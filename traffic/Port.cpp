@@ -6,6 +6,7 @@
 #include <set>
 
 #include "traffic/BlockModifiers.h"
+#include "traffic/FrameBytes.h"
 #include "traffic/JsonRecord.h"
 #include "traffic/Sequence.h"
 
@@ -18,6 +19,8 @@ using Generator_3_bll::genTxMode_t;
 using Generator_3_bll::rateMode_t;
 
 constexpr std::uint64_t kNanosecondsPerSecond = 1000000000;
+// Segments of a RANDOM port rate before they repeat.
+constexpr std::uint64_t kRandomSegments = 4096;
 
 void read_line(const Json& j, const std::string& path, PortInput& in) {
     if (!j.is_object()) throw InputError(path, "expected an object, got " + json_kind(j));
@@ -160,9 +163,7 @@ Port::Port(const PortInput& in, const ShapeOptions& options, std::uint64_t frame
     }
 
     // Their timing.
-    if (common.rate.rateMode == rateMode_t::RANDOM) {
-        throw InputError("common.rate.random", "RANDOM port rates are not modelled; give a FIXED rate");
-    }
+    const bool randomRate = common.rate.rateMode == rateMode_t::RANDOM;
     std::size_t unbound = 0;
     for (const std::size_t b : positions) unbound += bound.count(in.blocks[b].block.blockID) == 0 ? 1 : 0;
     std::vector<BlockTiming> timings;
@@ -188,12 +189,34 @@ Port::Port(const PortInput& in, const ShapeOptions& options, std::uint64_t frame
             burstUnit = p.burstLoadUnit;
             burstLoad = p.burstLoad;
             burstPath = path + ".burstLoad";
-        } else {
+        } else if (!randomRate) {
             t.steady = frame_interval(common.rate.fixed.rateUnit, common.rate.fixed.rate, meanNum, meanDen, in.line,
                                       "common.rate.fixed.rate");
             t.steady = scaled(t.steady, unbound, "common.rate.fixed.rate");
+        } else {
+            // A rate drawn anew every kSegmentFrames frames between the two rates' intervals,
+            // in whole nanoseconds: segment s of block with blockID B has
+            // fast + floor((slow - fast + 1) * (splitmix64(B * 2^32 XOR s) >> 32) / 2^32).
+            const auto& r = common.rate.random;
+            const Fraction lo = scaled(frame_interval(r.minRate.rateUnit, r.minRate.rate, meanNum, meanDen, in.line,
+                                                     "common.rate.random.minRate.rate"),
+                                      unbound, "common.rate.random.minRate.rate");
+            const Fraction hi = scaled(frame_interval(r.maxRate.rateUnit, r.maxRate.rate, meanNum, meanDen, in.line,
+                                                     "common.rate.random.maxRate.rate"),
+                                      unbound, "common.rate.random.maxRate.rate");
+            const std::uint64_t slow = std::max(lo.whole, hi.whole);
+            const std::uint64_t fast = std::max<std::uint64_t>(1, std::min(lo.whole, hi.whole));
+            const std::uint64_t key = std::uint64_t{in.blocks[b].block.blockID} << 32;
+            u128 sum = 0;
+            for (std::uint64_t seg = 0; seg < kRandomSegments; ++seg) {
+                const std::uint64_t draw = splitmix64(key ^ seg) >> 32;
+                const std::uint64_t i = fast + static_cast<std::uint64_t>((u128{slow - fast + 1} * draw) >> 32);
+                t.segments.push_back(i);
+                sum += i;
+            }
+            t.steady = with_parts(Fraction{sum, kRandomSegments});
         }
-        if (burst <= 1 && common.schedParams.burstSize > 1) {
+        if (burst <= 1 && common.schedParams.burstSize > 1 && t.segments.empty()) {
             burst = static_cast<std::uint32_t>(common.schedParams.burstSize);
             burstUnit = common.schedParams.burstLoad.rateUnit;
             burstLoad = common.schedParams.burstLoad.rate;

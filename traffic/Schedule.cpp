@@ -12,6 +12,7 @@ namespace {
 constexpr std::uint64_t kMax = ~std::uint64_t{0};
 
 std::uint64_t add(std::uint64_t a, std::uint64_t b) { return a > kMax - b ? kMax : a + b; }
+std::uint64_t mul_sat(std::uint64_t a, std::uint64_t b) { return b != 0 && a > kMax / b ? kMax : a * b; }
 
 }  // namespace
 
@@ -21,6 +22,12 @@ Schedule::Schedule(std::vector<BlockTiming> blocks, std::uint64_t frames, std::u
         Fraction p = b.steady;
         p.num *= b.burst;  // steady * burst < 2^64 * 2^32 ns: fits
         m_period.push_back(with_parts(p));
+        std::vector<std::uint64_t> starts;
+        if (!b.segments.empty()) {
+            starts.push_back(0);
+            for (const std::uint64_t i : b.segments) starts.push_back(add(starts.back(), mul_sat(i, kSegmentFrames)));
+        }
+        m_segmentStart.push_back(std::move(starts));
     }
     m_frames = m_end == kNoLimit ? frames : std::min(frames, CountAll(m_end));
     m_rate = 0;
@@ -33,6 +40,12 @@ Schedule::Schedule(std::vector<BlockTiming> blocks, std::uint64_t frames, std::u
 
 std::uint64_t Schedule::TimeOf(std::size_t block, std::uint64_t j) const {
     const BlockTiming& b = m_blocks[block];
+    if (!b.segments.empty()) {
+        const auto& starts = m_segmentStart[block];
+        const std::uint64_t n = b.segments.size(), cycleFrames = n * kSegmentFrames;
+        const std::uint64_t c = j / cycleFrames, s = (j / kSegmentFrames) % n, o = j % kSegmentFrames;
+        return add(add(b.start, mul_sat(c, starts[n])), add(starts[s], o * b.segments[s]));
+    }
     if (b.burst <= 1) return add(b.start, times(j, b.steady));
     return add(add(b.start, times(j / b.burst, m_period[block])), times(j % b.burst, b.inBurst));
 }
@@ -41,6 +54,15 @@ std::uint64_t Schedule::CountBefore(std::size_t block, std::uint64_t t) const {
     const BlockTiming& b = m_blocks[block];
     if (t <= b.start) return 0;
     const std::uint64_t u = t - b.start;
+    if (!b.segments.empty()) {
+        const auto& starts = m_segmentStart[block];
+        const std::uint64_t n = b.segments.size(), cycle = starts[n];
+        const std::uint64_t c = u / cycle, r = u % cycle;
+        const auto s = static_cast<std::size_t>(std::upper_bound(starts.begin(), starts.end(), r) - starts.begin()) - 1;
+        const std::uint64_t into = r - starts[s], i = b.segments[s];
+        const std::uint64_t o = std::min<std::uint64_t>(kSegmentFrames, into / i + (into % i != 0 ? 1 : 0));
+        return add(mul_sat(c, n * kSegmentFrames), s * kSegmentFrames + o);
+    }
     if (b.burst <= 1) return count_below(u, b.steady);
     const std::uint64_t bursts = count_below(u, m_period[block]);  // bursts started before t
     const std::uint64_t last = bursts - 1;

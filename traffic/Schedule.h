@@ -23,7 +23,13 @@ struct BlockTiming {
     std::uint32_t burst = 1;  // frames per burst
     Fraction inBurst;         // time between frames of a burst (burst > 1)
     std::uint32_t rank = 0;   // order at equal times, lower first
+    // A rate that changes: segment s of kSegmentFrames frames has whole nanoseconds
+    // segments[s] between its frames, the segments repeating in turn (steady is then their
+    // mean, for the first guess of searches; bursts are not used).
+    std::vector<std::uint64_t> segments;
 };
+
+constexpr std::uint64_t kSegmentFrames = 1024;
 
 // What a port sends when: frame n of the port is a block's frame at a time.
 class FrameTimeline {
@@ -58,6 +64,7 @@ class Schedule : public FrameTimeline {
     std::uint64_t CountAll(std::uint64_t t) const;
     std::vector<BlockTiming> m_blocks;
     std::vector<Fraction> m_period;  // burst period of each block
+    std::vector<std::vector<std::uint64_t>> m_segmentStart;  // of blocks with segments: their starts in a cycle, and its length
     long double m_rate = 1;  // frames per nanosecond, all blocks: the search's first guess
     std::uint64_t m_end;
     std::uint64_t m_frames;

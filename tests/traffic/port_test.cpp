@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -179,6 +180,37 @@ TEST(Port, ManyBlocksMergeAsAReferenceSortOfEveryFrame) {
     }
 }
 
+TEST(Port, RandomPortRatesChangeBySegmentAndStaySeekable) {
+    Json p;
+    p["blocks"] = {block(1, "a"), block(2, "b")};
+    p["common"]["rate"]["random"] = {{"minRate", {{"rateUnit", "FRAMES_PER_SECOND"}, {"rate", 1000000000}}},
+                                     {"maxRate", {{"rateUnit", "FRAMES_PER_SECOND"}, {"rate", 2000000000}}}};
+    const Port port = make(p);
+    const Schedule& s = *port.Rates();
+    // Shared by two blocks: each between 1000 and 2000 ns, one interval a segment of 1024.
+    std::set<std::uint64_t> seen;
+    for (const std::uint64_t j0 : {0ull, 1024ull * 4095, 1024ull * 4096 * 3 + 1024 * 17, 1000000000000ull}) {
+        const std::uint64_t seg = j0 - j0 % 1024;
+        const std::uint64_t step = s.TimeOf(0, seg + 1) - s.TimeOf(0, seg);
+        EXPECT_GE(step, 1000u);
+        EXPECT_LE(step, 2000u);
+        seen.insert(step);
+        for (std::uint64_t j = seg; j < seg + 1024; ++j) {
+            ASSERT_EQ(s.TimeOf(0, j + 1) - s.TimeOf(0, j), step) << j;
+            const std::uint64_t t = s.TimeOf(0, j);
+            ASSERT_EQ(s.CountBefore(0, t), j);
+            ASSERT_EQ(s.CountBefore(0, t + 1), j + 1);
+        }
+    }
+    EXPECT_GT(seen.size(), 1u);
+    // The rounds repeat after 4096 segments.
+    const std::uint64_t cycle = 1024ull * 4096;
+    EXPECT_EQ(s.TimeOf(1, 2 * cycle + 5) - s.TimeOf(1, cycle + 5), s.TimeOf(1, cycle + 5) - s.TimeOf(1, 5));
+    const auto all = entries(s, 0, 5000);
+    const auto part = entries(s, 2500, 100);
+    for (std::size_t k = 0; k < part.size(); ++k) ASSERT_TRUE(same(part[k], all[2500 + k])) << k;
+}
+
 TEST(Port, BurstsPrioritiesAndModes) {
     {   // Bursts of 4 at the line rate, 10% on average: 67.2 ns apart, every 2688 ns.
         Json p = one_block_port(10000000, "PERCENT_LINE_RATE");
@@ -341,7 +373,6 @@ TEST(Port, RefusesWhatItCannotSend) {
         {R"({"loadProfiles": [{"loadProfileId": 7, "load": 200000000, "loadUnit": "PERCENT_LINE_RATE"}]})", "loadProfiles[0].load", "beyond the line rate"},
         {R"({"loadProfiles": [{"loadProfileId": 7, "load": 2000000000000000, "loadUnit": "FRAMES_PER_SECOND"}]})", "loadProfiles[0].load", "more than one frame per nanosecond"},
         {R"({"loadProfiles": [{"loadProfileId": 7, "load": 20000000000, "loadUnit": "BITS_PER_SECOND"}]})", "loadProfiles", "the blocks' loads add up to 200"},
-        {R"({"common": {"rate": {"random": {}}}})", "common.rate.random", "RANDOM port rates are not modelled"},
         {R"({"host": {"lineRate": 0}})", "host.lineRate", "a line rate of 0 sends nothing"},
         {R"({"wires": 1})", "wires", "unknown key"},
         {R"({"sequence": [{"enabled": true, "blockId": 5}]})", "sequence[0].blockId", "no sending block (baseStream.enabled) has blockID 5"},
