@@ -71,6 +71,45 @@ std::shared_ptr<Port> from_dict(const py::handle& d, const py::object& count, co
     return make(vrm::traffic::parse_port(j.dump(-1, ' ', false, Json::error_handler_t::replace)), count, duration);
 }
 
+// The port that a host's requests configure: each request's wire bytes after its length (32
+// bits, little-endian), decoded by vrm.decode.
+std::shared_ptr<Port> from_requests(const py::bytes& data, const py::object& count, const py::object& duration) {
+    const std::string bytes = data;
+    py::object decode = py::module_::import("vrm").attr("decode");
+    py::dict port;
+    auto extend = [&](const char* key, const py::handle& list) {
+        if (!port.contains(key)) port[key] = py::list();
+        for (const auto& v : list) port[key].cast<py::list>().append(v);
+    };
+    std::size_t at = 0;
+    for (std::size_t k = 0; at < bytes.size(); ++k) {
+        const std::string where = "requests[" + std::to_string(k) + "]: ";
+        if (bytes.size() - at < 4) throw py::value_error(where + "a length needs 4 bytes");
+        std::uint32_t n = 0;
+        for (unsigned b = 0; b < 4; ++b) n |= std::uint32_t{static_cast<unsigned char>(bytes[at + b])} << (8 * b);
+        at += 4;
+        if (n > bytes.size() - at) throw py::value_error(where + "a length of " + std::to_string(n) + " goes past the end");
+        const py::object doc = decode(py::bytes(bytes.data() + at, n));
+        at += n;
+        const std::string name = py::str(doc.attr("get")("name"));
+        const py::object members = doc.attr("get")("members");
+        if (name == "Generator_3.SetCommonCfg") {
+            port["common"] = members["config"];
+        } else if (name == "Generator_3.SetStreamBlock") {
+            extend("blocks", members["blocks"]);
+        } else if (name == "Generator_3.SetLoadProfile") {
+            extend("loadProfiles", members["loadProfile"]);
+        } else if (name == "Generator_3.StreamBlockLoadProfileBinding") {
+            extend("bindings", members["binding"]);
+        } else if (name == "Generator_3.SetTrafficSequenceTable") {
+            extend("sequence", members["entries"]);
+        } else {
+            throw py::value_error(where + name + " does not configure a port");
+        }
+    }
+    return from_dict(port, count, duration);
+}
+
 std::uint64_t total(const Port& p) {
     const std::uint64_t n = p.port->Frames();
     if (n == Schedule::kNoLimit) {
@@ -149,6 +188,12 @@ void bind_ports(py::module_& m) {
                     "ValueError naming the JSON path of bad input, OSError for an unreadable file.")
         .def_static("from_dict", &from_dict, py::arg("port"), py::arg("count") = py::none(),
                     py::arg("duration") = py::none(), "A port from a dict of the file's form.")
+        .def_static("from_requests", &from_requests, py::arg("data"), py::arg("count") = py::none(),
+                    py::arg("duration") = py::none(),
+                    "A port from the requests a host sends to configure it (SetCommonCfg, SetStreamBlock,\n"
+                    "SetLoadProfile, StreamBlockLoadProfileBinding, SetTrafficSequenceTable of\n"
+                    "Generator_3), each after its length (32 bits, little-endian), as streamgen requests\n"
+                    "writes them. ValueError for a malformed file or another request.")
         .def_property_readonly(
             "frames",
             [](const Port& p) -> py::object {

@@ -119,6 +119,10 @@ class Port:
     @staticmethod
     def from_dict(port: Dict[str, Any], count: Optional[int] = None,
                   duration: Optional[float] = None) -> "Port": ...
+    @staticmethod
+    def from_requests(data: bytes, count: Optional[int] = None,
+                      duration: Optional[float] = None) -> "Port":
+        """The port a host's requests configure (each after its 32-bit little-endian length)."""
     @property
     def frames(self) -> Optional[int]:
         """The port's frames; None when it sends for ever."""

@@ -209,6 +209,24 @@ class Ports(unittest.TestCase):
         for key in ("time", "block", "index"):
             self.assertEqual(list(part[key]), list(whole[key])[1234:1334])
 
+    def test_from_the_requests_a_host_sends(self):
+        req = os.path.join(self.tmp.name, "port.req")
+        streamgen("requests", PORT, "-o", req)
+        with open(req, "rb") as f:
+            data = f.read()
+        port = vrm.Port.from_requests(data, count=3000)
+        ours = os.path.join(self.tmp.name, "r.pcap")
+        theirs = os.path.join(self.tmp.name, "f.pcap")
+        port.write_pcap(ours)
+        streamgen("port", PORT, "-o", theirs, "--count", "3000")
+        with open(ours, "rb") as a, open(theirs, "rb") as b:
+            self.assertEqual(a.read(), b.read())
+        for bad, text in ((data[:100], "goes past the end"), (data[:2], "a length needs 4 bytes"),
+                          (struct.pack("<I", len(vrm.request("Generator_3", "GetStreamCount"))) +
+                           vrm.request("Generator_3", "GetStreamCount"), "does not configure a port")):
+            with self.subTest(text=text), self.assertRaisesRegex(ValueError, text):
+                vrm.Port.from_requests(bad)
+
     def test_sources_limits_and_refusals(self):
         with open(PORT) as f:
             doc = json.load(f)
