@@ -312,16 +312,43 @@ std::unique_ptr<FrameTimeline> Port::MakeSequence(const PortInput& in, const std
     }
 }
 
+struct Port::Scratch {
+    FrameTimeline::Work work;
+    std::vector<Schedule::Entry> entries;
+    std::vector<std::size_t> order, firstOf, fill;
+    std::vector<unsigned char> bytes;
+    std::vector<std::uint32_t> lengths;
+    std::vector<std::uint64_t> times;
+};
+
+std::unique_ptr<Port::Scratch> Port::TakeScratch() const {
+    std::lock_guard<std::mutex> lock(m_scratchMutex);
+    if (m_spare.empty()) return std::make_unique<Scratch>();
+    std::unique_ptr<Scratch> s = std::move(m_spare.back());
+    m_spare.pop_back();
+    return s;
+}
+
+void Port::GiveBack(std::unique_ptr<Scratch> s) const {
+    std::lock_guard<std::mutex> lock(m_scratchMutex);
+    m_spare.push_back(std::move(s));
+}
+
 void Port::Tags(std::uint64_t first, std::size_t count, std::uint32_t* tags) const {
-    std::vector<Schedule::Entry> entries(count);
-    m_timeline->Entries(first, count, entries.data());
-    for (std::size_t k = 0; k < count; ++k) tags[k] = entries[k].block;
+    std::unique_ptr<Scratch> s = TakeScratch();
+    s->entries.resize(count);
+    m_timeline->Entries(first, count, s->entries.data(), s->work);
+    for (std::size_t k = 0; k < count; ++k) tags[k] = s->entries[k].block;
+    GiveBack(std::move(s));
 }
 
 void Port::Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
                  std::uint32_t* lengths, std::uint64_t* times) const {
-    std::vector<Schedule::Entry> entries(count);
-    m_timeline->Entries(first, count, entries.data());
+    std::unique_ptr<Scratch> scratch = TakeScratch();
+    Scratch& sc = *scratch;
+    std::vector<Schedule::Entry>& entries = sc.entries;
+    entries.resize(count);
+    m_timeline->Entries(first, count, entries.data(), sc.work);
     for (std::size_t k = 0; k < count; ++k) times[k] = entries[k].time;
     std::size_t runs = 0;
     for (std::size_t k = 0; k < count; ++k) runs += k == 0 || entries[k].block != entries[k - 1].block ? 1 : 0;
@@ -333,30 +360,33 @@ void Port::Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std
             m_blocks[entries[k].block].shaper->Shape(entries[k].index, n, out + k * stride, stride, lengths + k, times + k);
             k += n;
         }
+        GiveBack(std::move(scratch));
         return;
     }
     // Many blocks taking turns: each block's frames of the run (consecutive in the block) are
     // made at once into a scratch area, then moved to their places.
-    std::vector<std::size_t> order(count), firstOf(m_blocks.size() + 1, 0);
-    for (const auto& e : entries) ++firstOf[e.block + 1];
-    for (std::size_t b = 0; b < m_blocks.size(); ++b) firstOf[b + 1] += firstOf[b];
-    std::vector<std::size_t> fill(firstOf.begin(), firstOf.end() - 1);
-    for (std::size_t k = 0; k < count; ++k) order[fill[entries[k].block]++] = k;
-    std::vector<unsigned char> scratch(count * stride);
-    std::vector<std::uint32_t> scratchLengths(count);
-    std::vector<std::uint64_t> scratchTimes(count);
-    for (std::size_t k = 0; k < count; ++k) scratchTimes[k] = times[order[k]];
+    sc.order.resize(count);
+    sc.firstOf.assign(m_blocks.size() + 1, 0);
+    for (const auto& e : entries) ++sc.firstOf[e.block + 1];
+    for (std::size_t b = 0; b < m_blocks.size(); ++b) sc.firstOf[b + 1] += sc.firstOf[b];
+    sc.fill.assign(sc.firstOf.begin(), sc.firstOf.end() - 1);
+    for (std::size_t k = 0; k < count; ++k) sc.order[sc.fill[entries[k].block]++] = k;
+    if (sc.bytes.size() < count * stride) sc.bytes.resize(count * stride);
+    sc.lengths.resize(count);
+    sc.times.resize(count);
+    for (std::size_t k = 0; k < count; ++k) sc.times[k] = times[sc.order[k]];
     for (std::size_t b = 0; b < m_blocks.size(); ++b) {
-        const std::size_t a = firstOf[b], n = firstOf[b + 1] - a;
+        const std::size_t a = sc.firstOf[b], n = sc.firstOf[b + 1] - a;
         if (n == 0) continue;
-        m_blocks[b].shaper->Shape(entries[order[a]].index, n, scratch.data() + a * stride, stride,
-                                  scratchLengths.data() + a, scratchTimes.data() + a);
+        m_blocks[b].shaper->Shape(entries[sc.order[a]].index, n, sc.bytes.data() + a * stride, stride,
+                                  sc.lengths.data() + a, sc.times.data() + a);
     }
     for (std::size_t s = 0; s < count; ++s) {
-        const std::size_t k = order[s];
-        lengths[k] = scratchLengths[s];
-        std::memcpy(out + k * stride, scratch.data() + s * stride, scratchLengths[s]);
+        const std::size_t k = sc.order[s];
+        lengths[k] = sc.lengths[s];
+        std::memcpy(out + k * stride, sc.bytes.data() + s * stride, sc.lengths[s]);
     }
+    GiveBack(std::move(scratch));
 }
 
 }  // namespace vrm::traffic

@@ -27,6 +27,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -99,6 +100,12 @@ class Port : public FrameSource {
                                                 bool repeat, std::uint64_t frames, std::uint64_t end);
     std::unique_ptr<FrameTimeline> m_timeline;
     const Schedule* m_rates = nullptr;
+    // Room that Stamp reuses, one set per thread in a call at once.
+    struct Scratch;
+    std::unique_ptr<Scratch> TakeScratch() const;
+    void GiveBack(std::unique_ptr<Scratch> s) const;
+    mutable std::mutex m_scratchMutex;
+    mutable std::vector<std::unique_ptr<Scratch>> m_spare;
     std::size_t m_maxLength = 0;
     std::vector<std::string> m_warnings;
 };

@@ -77,7 +77,7 @@ std::uint64_t Schedule::CountAll(std::uint64_t t) const {
     return n;
 }
 
-void Schedule::Entries(std::uint64_t first, std::size_t count, Entry* out) const {
+void Schedule::Entries(std::uint64_t first, std::size_t count, Entry* out, Work& work) const {
     if (count == 0) return;
     if (first > m_frames || count > m_frames - first) throw std::out_of_range("frames beyond the schedule's end");
     // The latest time t with fewer than first + 1 frames before it: frame `first` is at t.
@@ -106,8 +106,10 @@ void Schedule::Entries(std::uint64_t first, std::size_t count, Entry* out) const
     const std::uint64_t t = lo;
     // Blocks with a frame at t, in rank order; the first `skip` of them come before `first`.
     std::uint64_t skip = first - CountAll(t);
-    std::vector<std::size_t> tied;
-    std::vector<std::uint64_t> next(m_blocks.size());
+    std::vector<std::size_t>& tied = work.tied;
+    tied.clear();
+    std::vector<std::uint64_t>& next = work.next;
+    next.resize(m_blocks.size());
     for (std::size_t b = 0; b < m_blocks.size(); ++b) {
         next[b] = CountBefore(b, t);
         if (next[b] != kMax && TimeOf(b, next[b]) == t) tied.push_back(b);
@@ -163,7 +165,8 @@ void Schedule::Entries(std::uint64_t first, std::size_t count, Entry* out) const
     // them, sorted by time into buckets, then the first `count` in order.
     std::uint64_t width = static_cast<std::uint64_t>(std::min<long double>(
         1.8e19L, static_cast<long double>(count) / m_rate * 1.05L + 64));
-    std::vector<std::uint64_t> last(m_blocks.size());
+    std::vector<std::uint64_t>& last = work.last;
+    last.resize(m_blocks.size());
     std::uint64_t end = t;
     for (;;) {
         end = t < kMax - width ? t + width : kMax;
@@ -175,38 +178,47 @@ void Schedule::Entries(std::uint64_t first, std::size_t count, Entry* out) const
         if (have >= count || end == kMax) break;
         width = width > kMax / 2 ? kMax : width * 2;
     }
-    std::vector<Next> window;
+    std::vector<Entry>& window = work.window;
+    window.clear();
     for (std::size_t b = 0; b < m_blocks.size(); ++b) {
-        for (std::uint64_t j = next[b]; j < last[b]; ++j) {
-            window.push_back({TimeOf(b, j), m_blocks[b].rank, static_cast<std::uint32_t>(b), j});
-        }
+        for (std::uint64_t j = next[b]; j < last[b]; ++j) window.push_back({TimeOf(b, j), static_cast<std::uint32_t>(b), j});
     }
     // Buckets of equal spans of time, about one frame each; a bucket's few frames are put in
-    // order by insertion.
+    // order by insertion: by time, then rank, then block.
+    auto later = [&](const Entry& a, const Entry& b) {
+        if (a.time != b.time) return a.time > b.time;
+        const std::uint32_t ra = m_blocks[a.block].rank, rb = m_blocks[b.block].rank;
+        return ra != rb ? ra > rb : a.block > b.block;
+    };
     const std::size_t buckets = window.size();
-    const long double scale = static_cast<long double>(buckets) / (static_cast<long double>(end - t) + 1);
+    // Monotone in time (a conversion and a product by a positive number), as sorting needs.
+    const double scale = static_cast<double>(buckets) / (static_cast<double>(end - t) + 1);
     auto bucket_of = [&](std::uint64_t time) {
-        const auto x = static_cast<std::size_t>(static_cast<long double>(time - t) * scale);
+        const auto x = static_cast<std::size_t>(static_cast<double>(time - t) * scale);
         return x < buckets ? x : buckets - 1;
     };
-    std::vector<std::uint32_t> start(buckets + 1, 0);
-    for (const Next& n : window) ++start[bucket_of(n.time) + 1];
+    std::vector<std::uint32_t>& start = work.start;
+    start.assign(buckets + 1, 0);
+    for (const Entry& n : window) ++start[bucket_of(n.time) + 1];
     for (std::size_t k = 0; k < buckets; ++k) start[k + 1] += start[k];
-    std::vector<Next> sorted(window.size());
-    std::vector<std::uint32_t> fill(start.begin(), start.end() - 1);
-    for (const Next& n : window) sorted[fill[bucket_of(n.time)]++] = n;
-    for (std::size_t k = 0; k < buckets; ++k) {
+    std::vector<Entry>& sorted = work.sorted;
+    sorted.resize(window.size());
+    std::vector<std::uint32_t>& fill = work.fill;
+    fill.assign(start.begin(), start.end() - 1);
+    for (const Entry& n : window) sorted[fill[bucket_of(n.time)]++] = n;
+    std::size_t done = 0;
+    for (std::size_t k = 0; k < buckets && done < count; ++k) {
         for (std::size_t i = start[k] + 1; i < start[k + 1]; ++i) {
-            const Next moving = sorted[i];
+            const Entry moving = sorted[i];
             std::size_t at = i;
-            while (at > start[k] && sorted[at - 1] > moving) {
+            while (at > start[k] && later(sorted[at - 1], moving)) {
                 sorted[at] = sorted[at - 1];
                 --at;
             }
             sorted[at] = moving;
         }
+        for (std::size_t i = start[k]; i < start[k + 1] && done < count; ++i) out[done++] = sorted[i];
     }
-    for (std::size_t k = 0; k < count; ++k) out[k] = Entry{sorted[k].time, sorted[k].block, sorted[k].index};
 }
 
 }  // namespace vrm::traffic

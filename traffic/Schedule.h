@@ -40,11 +40,22 @@ class FrameTimeline {
         std::uint64_t index;   // frame index within the block
     };
     static constexpr std::uint64_t kNoLimit = ~std::uint64_t{0};
+    // Room that Entries reuses from call to call; one per thread.
+    struct Work {
+        std::vector<std::uint64_t> next, last;
+        std::vector<std::size_t> tied;
+        std::vector<Entry> window, sorted;
+        std::vector<std::uint32_t> start, fill;
+    };
     virtual ~FrameTimeline() = default;
     // The port's frames (kNoLimit when it sends for ever).
     virtual std::uint64_t Frames() const = 0;
     // Entries first .. first + count - 1 (count at most Frames() - first) into `out`.
-    virtual void Entries(std::uint64_t first, std::size_t count, Entry* out) const = 0;
+    virtual void Entries(std::uint64_t first, std::size_t count, Entry* out, Work& work) const = 0;
+    void Entries(std::uint64_t first, std::size_t count, Entry* out) const {
+        Work work;
+        Entries(first, count, out, work);
+    }
 };
 
 class Schedule : public FrameTimeline {
@@ -57,7 +68,8 @@ class Schedule : public FrameTimeline {
     std::uint64_t TimeOf(std::size_t block, std::uint64_t j) const;
     // Frames of `block` before `t` nanoseconds.
     std::uint64_t CountBefore(std::size_t block, std::uint64_t t) const;
-    void Entries(std::uint64_t first, std::size_t count, Entry* out) const override;
+    using FrameTimeline::Entries;
+    void Entries(std::uint64_t first, std::size_t count, Entry* out, Work& work) const override;
     std::size_t Blocks() const { return m_blocks.size(); }
 
   private:

@@ -100,7 +100,7 @@ std::uint64_t SequenceSchedule::TimeOf(std::uint64_t n) const {
     return At(run, within - m_runs[run].firstFrame, round).time;
 }
 
-void SequenceSchedule::Entries(std::uint64_t first, std::size_t count, Entry* out) const {
+void SequenceSchedule::Entries(std::uint64_t first, std::size_t count, Entry* out, Work&) const {
     if (count == 0) return;
     if (first > m_frames || count > m_frames - first) throw std::out_of_range("frames beyond the schedule's end");
     std::uint64_t round = m_repeat ? first / m_roundFrames : 0;

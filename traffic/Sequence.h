@@ -43,7 +43,8 @@ class SequenceSchedule : public FrameTimeline {
                      std::uint64_t frames = kNoLimit, std::uint64_t end = kNoLimit);
 
     std::uint64_t Frames() const override { return m_frames; }
-    void Entries(std::uint64_t first, std::size_t count, Entry* out) const override;
+    using FrameTimeline::Entries;
+    void Entries(std::uint64_t first, std::size_t count, Entry* out, Work& work) const override;
     std::uint64_t TimeOf(std::uint64_t n) const;
 
   private:
