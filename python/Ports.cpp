@@ -76,38 +76,17 @@ std::shared_ptr<Port> from_dict(const py::handle& d, const py::object& count, co
 std::shared_ptr<Port> from_requests(const py::bytes& data, const py::object& count, const py::object& duration) {
     const std::string bytes = data;
     py::object decode = py::module_::import("vrm").attr("decode");
-    py::dict port;
-    auto extend = [&](const char* key, const py::handle& list) {
-        if (!port.contains(key)) port[key] = py::list();
-        for (const auto& v : list) port[key].cast<py::list>().append(v);
-    };
-    std::size_t at = 0;
-    for (std::size_t k = 0; at < bytes.size(); ++k) {
-        const std::string where = "requests[" + std::to_string(k) + "]: ";
-        if (bytes.size() - at < 4) throw py::value_error(where + "a length needs 4 bytes");
-        std::uint32_t n = 0;
-        for (unsigned b = 0; b < 4; ++b) n |= std::uint32_t{static_cast<unsigned char>(bytes[at + b])} << (8 * b);
-        at += 4;
-        if (n > bytes.size() - at) throw py::value_error(where + "a length of " + std::to_string(n) + " goes past the end");
-        const py::object doc = decode(py::bytes(bytes.data() + at, n));
-        at += n;
+    Json port = Json::object();
+    const auto requests = vrm::traffic::split_port_requests(bytes);
+    for (std::size_t k = 0; k < requests.size(); ++k) {
+        const py::object doc = decode(py::bytes(bytes.data() + requests[k].first, requests[k].second));
         const std::string name = py::str(doc.attr("get")("name"));
-        const py::object members = doc.attr("get")("members");
-        if (name == "Generator_3.SetCommonCfg") {
-            port["common"] = members["config"];
-        } else if (name == "Generator_3.SetStreamBlock") {
-            extend("blocks", members["blocks"]);
-        } else if (name == "Generator_3.SetLoadProfile") {
-            extend("loadProfiles", members["loadProfile"]);
-        } else if (name == "Generator_3.StreamBlockLoadProfileBinding") {
-            extend("bindings", members["binding"]);
-        } else if (name == "Generator_3.SetTrafficSequenceTable") {
-            extend("sequence", members["entries"]);
-        } else {
-            throw py::value_error(where + name + " does not configure a port");
+        Json members = to_json(doc.attr("get")("members"), "members");
+        if (!vrm::traffic::add_port_request(port, name, members)) {
+            throw py::value_error("requests[" + std::to_string(k) + "]: " + name + " does not configure a port");
         }
     }
-    return from_dict(port, count, duration);
+    return make(vrm::traffic::parse_port(port.dump(-1, ' ', false, Json::error_handler_t::replace)), count, duration);
 }
 
 std::uint64_t total(const Port& p) {

@@ -75,6 +75,58 @@ PortInput parse_port(const std::string& text) {
 
 PortInput load_port(const std::string& file) { return parse_port(read_block_text(file)); }
 
+std::vector<std::pair<std::size_t, std::size_t>> split_port_requests(const std::string& bytes) {
+    std::vector<std::pair<std::size_t, std::size_t>> out;
+    std::size_t at = 0;
+    for (std::size_t k = 0; at < bytes.size(); ++k) {
+        const std::string where = element_path("requests", k);
+        if (bytes.size() - at < 4) {
+            throw InputError(where, "a length needs 4 bytes, " + std::to_string(bytes.size() - at) + " are left");
+        }
+        std::uint32_t n = 0;
+        for (unsigned b = 0; b < 4; ++b) n |= std::uint32_t{static_cast<unsigned char>(bytes[at + b])} << (8 * b);
+        at += 4;
+        if (n > bytes.size() - at) throw InputError(where, "a length of " + std::to_string(n) + " goes past the end of the file");
+        out.emplace_back(at, n);
+        at += n;
+    }
+    return out;
+}
+
+void append_port_request(std::vector<unsigned char>& out, const std::vector<unsigned char>& request) {
+    const auto n = static_cast<std::uint32_t>(request.size());
+    for (unsigned b = 0; b < 4; ++b) out.push_back(static_cast<unsigned char>(n >> (8 * b)));
+    out.insert(out.end(), request.begin(), request.end());
+}
+
+bool add_port_request(Json& port, const std::string& name, Json& members) {
+    // Request, its member, and the port file's key; lists are appended to.
+    struct Section {
+        const char* request;
+        const char* member;
+        const char* key;
+        bool list;
+    };
+    static const Section sections[] = {
+        {"Generator_3.SetCommonCfg", "config", "common", false},
+        {"Generator_3.SetStreamBlock", "blocks", "blocks", true},
+        {"Generator_3.SetLoadProfile", "loadProfile", "loadProfiles", true},
+        {"Generator_3.StreamBlockLoadProfileBinding", "binding", "bindings", true},
+        {"Generator_3.SetTrafficSequenceTable", "entries", "sequence", true},
+    };
+    for (const Section& s : sections) {
+        if (name != s.request) continue;
+        Json& value = members[s.member];
+        if (!s.list) {
+            port[s.key] = std::move(value);
+        } else {
+            for (auto& v : value) port[s.key].push_back(std::move(v));
+        }
+        return true;
+    }
+    return false;
+}
+
 Port::~Port() = default;
 
 Port::Port(const PortInput& in, const ShapeOptions& options, std::uint64_t frames, std::uint64_t end) {

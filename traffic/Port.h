@@ -30,7 +30,10 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <nlohmann/json.hpp>
 
 #include "interfaces/generator_3_bll_records.h"
 #include "interfaces/loadProfile_1_bll.h"
@@ -57,6 +60,19 @@ struct PortInput {
 // Reads a port file's JSON text; throws InputError with the JSON path of bad input.
 PortInput parse_port(const std::string& text);
 PortInput load_port(const std::string& file);
+
+// A port as the requests a host sends to configure it: Generator_3.SetCommonCfg,
+// SetStreamBlock, SetLoadProfile, StreamBlockLoadProfileBinding and SetTrafficSequenceTable,
+// in a file of their wire bytes, each after its length (32 bits, little-endian).
+//
+// The requests of such a file as (offset, size); throws InputError("requests[k]") for a
+// length the file cannot hold.
+std::vector<std::pair<std::size_t, std::size_t>> split_port_requests(const std::string& bytes);
+// `request` after its length, at the end of `out`.
+void append_port_request(std::vector<unsigned char>& out, const std::vector<unsigned char>& request);
+// Adds a decoded request's members (records in their JSON form) to a port file document;
+// false for a request that configures no port.
+bool add_port_request(nlohmann::ordered_json& port, const std::string& requestName, nlohmann::ordered_json& members);
 
 class Port : public FrameSource {
   public:

@@ -53,6 +53,12 @@ Fraction with_parts(Fraction f);
 Fraction frame_interval(LoadProfile_1_bll::rateUnit_t unit, std::uint64_t value, std::uint64_t meanNum,
                         std::uint64_t meanDen, const LineSettings& line, const std::string& path);
 
+// Sums and products of nanoseconds and counts that stop at 2^64 - 1 (for ever).
+inline std::uint64_t sat_add(std::uint64_t a, std::uint64_t b) { return a > ~b ? ~std::uint64_t{0} : a + b; }
+inline std::uint64_t sat_mul(std::uint64_t a, std::uint64_t b) {
+    return b != 0 && a > ~std::uint64_t{0} / b ? ~std::uint64_t{0} : a * b;
+}
+
 // floor(k * f): k frames' worth of f. Saturates at 2^64 - 1.
 std::uint64_t times(std::uint64_t k, const Fraction& f);
 // The number of k >= 0 with floor(k * f) < u (f >= 1 ns). Saturates at 2^64 - 1.

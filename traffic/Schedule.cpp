@@ -11,8 +11,6 @@ namespace {
 
 constexpr std::uint64_t kMax = ~std::uint64_t{0};
 
-std::uint64_t add(std::uint64_t a, std::uint64_t b) { return a > kMax - b ? kMax : a + b; }
-std::uint64_t mul_sat(std::uint64_t a, std::uint64_t b) { return b != 0 && a > kMax / b ? kMax : a * b; }
 
 }  // namespace
 
@@ -25,7 +23,7 @@ Schedule::Schedule(std::vector<BlockTiming> blocks, std::uint64_t frames, std::u
         std::vector<std::uint64_t> starts;
         if (!b.segments.empty()) {
             starts.push_back(0);
-            for (const std::uint64_t i : b.segments) starts.push_back(add(starts.back(), mul_sat(i, kSegmentFrames)));
+            for (const std::uint64_t i : b.segments) starts.push_back(sat_add(starts.back(), sat_mul(i, kSegmentFrames)));
         }
         m_segmentStart.push_back(std::move(starts));
     }
@@ -44,10 +42,10 @@ std::uint64_t Schedule::TimeOf(std::size_t block, std::uint64_t j) const {
         const auto& starts = m_segmentStart[block];
         const std::uint64_t n = b.segments.size(), cycleFrames = n * kSegmentFrames;
         const std::uint64_t c = j / cycleFrames, s = (j / kSegmentFrames) % n, o = j % kSegmentFrames;
-        return add(add(b.start, mul_sat(c, starts[n])), add(starts[s], o * b.segments[s]));
+        return sat_add(sat_add(b.start, sat_mul(c, starts[n])), sat_add(starts[s], o * b.segments[s]));
     }
-    if (b.burst <= 1) return add(b.start, times(j, b.steady));
-    return add(add(b.start, times(j / b.burst, m_period[block])), times(j % b.burst, b.inBurst));
+    if (b.burst <= 1) return sat_add(b.start, times(j, b.steady));
+    return sat_add(sat_add(b.start, times(j / b.burst, m_period[block])), times(j % b.burst, b.inBurst));
 }
 
 std::uint64_t Schedule::CountBefore(std::size_t block, std::uint64_t t) const {
@@ -61,7 +59,7 @@ std::uint64_t Schedule::CountBefore(std::size_t block, std::uint64_t t) const {
         const auto s = static_cast<std::size_t>(std::upper_bound(starts.begin(), starts.end(), r) - starts.begin()) - 1;
         const std::uint64_t into = r - starts[s], i = b.segments[s];
         const std::uint64_t o = std::min<std::uint64_t>(kSegmentFrames, into / i + (into % i != 0 ? 1 : 0));
-        return add(mul_sat(c, n * kSegmentFrames), s * kSegmentFrames + o);
+        return sat_add(sat_mul(c, n * kSegmentFrames), s * kSegmentFrames + o);
     }
     if (b.burst <= 1) return count_below(u, b.steady);
     const std::uint64_t bursts = count_below(u, m_period[block]);  // bursts started before t
@@ -73,7 +71,7 @@ std::uint64_t Schedule::CountBefore(std::size_t block, std::uint64_t t) const {
 
 std::uint64_t Schedule::CountAll(std::uint64_t t) const {
     std::uint64_t n = 0;
-    for (std::size_t b = 0; b < m_blocks.size(); ++b) n = add(n, CountBefore(b, t));
+    for (std::size_t b = 0; b < m_blocks.size(); ++b) n = sat_add(n, CountBefore(b, t));
     return n;
 }
 
@@ -173,7 +171,7 @@ void Schedule::Entries(std::uint64_t first, std::size_t count, Entry* out, Work&
         std::uint64_t have = 0;
         for (std::size_t b = 0; b < m_blocks.size(); ++b) {
             last[b] = std::max(next[b], CountBefore(b, end));
-            have = add(have, last[b] - next[b]);
+            have = sat_add(have, last[b] - next[b]);
         }
         if (have >= count || end == kMax) break;
         width = width > kMax / 2 ? kMax : width * 2;

@@ -10,8 +10,6 @@ namespace {
 
 constexpr std::uint64_t kMax = ~std::uint64_t{0};
 
-std::uint64_t add(std::uint64_t a, std::uint64_t b) { return a > kMax - b ? kMax : a + b; }
-std::uint64_t mul(std::uint64_t a, std::uint64_t b) { return b != 0 && a > kMax / b ? kMax : a * b; }
 
 }  // namespace
 
@@ -37,10 +35,10 @@ SequenceSchedule::SequenceSchedule(const std::vector<SequenceStep>& steps, std::
         }
         r.frames = std::uint64_t{s.burstSize} * s.burstCount;
         m_runs.push_back(r);
-        count = add(count, r.frames);
-        m_blockPerRound[s.block] = add(m_blockPerRound[s.block], r.frames);
+        count = sat_add(count, r.frames);
+        m_blockPerRound[s.block] = sat_add(m_blockPerRound[s.block], r.frames);
         const std::uint64_t last = At(m_runs.size() - 1, r.frames - 1, 0).time;
-        time = add(last, times(1, s.entryGap));
+        time = sat_add(last, times(1, s.entryGap));
         if (s.loopCount > 0 && counters[pc] < s.loopCount) {
             ++counters[pc];
             pc = s.returnTo;
@@ -83,14 +81,14 @@ FrameTimeline::Entry SequenceSchedule::At(std::size_t run, std::uint64_t m, std:
     const SequenceStep& s = m_steps[r.step];
     std::uint64_t t = 0;
     if (s.continuous) {
-        t = add(r.start, times(m, s.frameGap));
+        t = sat_add(r.start, times(m, s.frameGap));
     } else {
         const std::uint64_t k = m / s.burstSize, i = m % s.burstSize;
-        t = add(add(r.start, times(k * (s.burstSize - 1) + i, s.frameGap)), times(k, s.burstGap));
+        t = sat_add(sat_add(r.start, times(k * (s.burstSize - 1) + i, s.frameGap)), times(k, s.burstGap));
     }
-    const std::uint64_t roundStart = mul(round, m_roundTime);
-    const std::uint64_t index = add(mul(round, m_blockPerRound[s.block]), add(r.blockFirst, m));
-    return Entry{add(roundStart, t), s.block, index};
+    const std::uint64_t roundStart = sat_mul(round, m_roundTime);
+    const std::uint64_t index = sat_add(sat_mul(round, m_blockPerRound[s.block]), sat_add(r.blockFirst, m));
+    return Entry{sat_add(roundStart, t), s.block, index};
 }
 
 std::uint64_t SequenceSchedule::TimeOf(std::uint64_t n) const {
