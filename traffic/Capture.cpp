@@ -204,8 +204,8 @@ void run_worker(const Job& job, Shared& shared) {
             if (b >= job.blocks) return;
             const std::uint64_t first = b * job.blockFrames;
             const auto n = static_cast<std::size_t>(std::min(job.blockFrames, job.count - first));
-            job.source->Stamp(first, n, buffer.data() + layout.head, layout.stride, lengths.data(), times.data());
-            if (!tags.empty()) job.source->Tags(first, n, tags.data());
+            job.source->Stamp(first, n, buffer.data() + layout.head, layout.stride, lengths.data(), times.data(),
+                              tags.empty() ? nullptr : tags.data());
             const std::size_t size = lay_out(layout, buffer.data(), first, n, lengths.data(), times.data(), tags.data());
 
             std::unique_lock<std::mutex> lock(shared.mutex);

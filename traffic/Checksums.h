@@ -46,7 +46,6 @@ class FrameChecksums {
     // Where the template's headers end: after the transport header (UDP, ICMP: 8 bytes; TCP:
     // its data offset), else after the IP header, else after the Ethernet header and tags.
     std::size_t HeadersEnd() const;
-    std::size_t TemplateLength() const { return m_length; }
 
   private:
     enum class L4 { None, Udp, Tcp, Icmp4, Icmp6 };

@@ -408,8 +408,9 @@ void FrameShaper::Shape(std::uint64_t first, std::size_t count, unsigned char* o
 }
 
 void FrameShaper::Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
-                        std::uint32_t* lengths, std::uint64_t* times) const {
+                        std::uint32_t* lengths, std::uint64_t* times, std::uint32_t* tags) const {
     for (std::size_t k = 0; k < count; ++k) times[k] = (first + k) * 1000;
+    if (tags != nullptr) std::fill(tags, tags + count, 0u);
     Shape(first, count, out, stride, lengths, times);
 }
 

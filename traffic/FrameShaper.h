@@ -98,7 +98,7 @@ class FrameShaper : public FrameSource {
                std::uint32_t* lengths, const std::uint64_t* txTimes = nullptr) const;
     // FrameSource: a block alone sends frame i at i microseconds.
     void Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
-               std::uint32_t* lengths, std::uint64_t* times) const override;
+               std::uint32_t* lengths, std::uint64_t* times, std::uint32_t* tags) const override;
     // One frame into `out` (MaxLength() bytes); returns its length.
     std::size_t Frame(std::uint64_t i, unsigned char* out) const;
 

@@ -17,22 +17,18 @@ class FrameSource {
     // (a frame check sequence included when the source appends one).
     virtual std::size_t MaxLength() const = 0;
     // Writes frames first .. first + count - 1: frame first + k at out + k * stride
-    // (stride >= MaxLength()), its length in lengths[k] and its time in nanoseconds since the
-    // epoch in times[k]. Bytes of a frame's slot past its length are unspecified. Called from
-    // several threads at once with disjoint ranges.
+    // (stride >= MaxLength()), its length in lengths[k], its time in nanoseconds since the
+    // epoch in times[k] and, when `tags` is not null, where it comes from (an index into
+    // TagNames()) in tags[k]. Bytes of a frame's slot past its length are unspecified. Called
+    // from several threads at once with disjoint ranges.
     virtual void Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
-                       std::uint32_t* lengths, std::uint64_t* times) const = 0;
+                       std::uint32_t* lengths, std::uint64_t* times, std::uint32_t* tags) const = 0;
 
     // The names of where frames come from (a port's blocks), for captures that can carry them
     // (pcapng); empty when the source has none.
     virtual const std::vector<std::string>& TagNames() const {
         static const std::vector<std::string> none;
         return none;
-    }
-    // The tag (an index into TagNames()) of frames first .. first + count - 1.
-    virtual void Tags(std::uint64_t first, std::size_t count, std::uint32_t* tags) const {
-        for (std::size_t k = 0; k < count; ++k) tags[k] = 0;
-        (void)first;
     }
 };
 

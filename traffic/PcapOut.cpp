@@ -15,7 +15,7 @@ class FixedLengthSource final : public FrameSource {
     std::size_t MaxLength() const override { return m_length; }
 
     void Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
-               std::uint32_t* lengths, std::uint64_t* times) const override {
+               std::uint32_t* lengths, std::uint64_t* times, std::uint32_t*) const override {
         m_stamp(first, count, out, stride);
         if (m_checksums != nullptr) m_checksums->Apply(out, count, stride);
         for (std::size_t k = 0; k < count; ++k) {

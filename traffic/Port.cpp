@@ -386,22 +386,17 @@ void Port::GiveBack(std::unique_ptr<Scratch> s) const {
     m_spare.push_back(std::move(s));
 }
 
-void Port::Tags(std::uint64_t first, std::size_t count, std::uint32_t* tags) const {
-    std::unique_ptr<Scratch> s = TakeScratch();
-    s->entries.resize(count);
-    m_timeline->Entries(first, count, s->entries.data(), s->work);
-    for (std::size_t k = 0; k < count; ++k) tags[k] = s->entries[k].block;
-    GiveBack(std::move(s));
-}
-
 void Port::Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
-                 std::uint32_t* lengths, std::uint64_t* times) const {
+                 std::uint32_t* lengths, std::uint64_t* times, std::uint32_t* tags) const {
     std::unique_ptr<Scratch> scratch = TakeScratch();
     Scratch& sc = *scratch;
     std::vector<Schedule::Entry>& entries = sc.entries;
     entries.resize(count);
     m_timeline->Entries(first, count, entries.data(), sc.work);
     for (std::size_t k = 0; k < count; ++k) times[k] = entries[k].time;
+    if (tags != nullptr) {
+        for (std::size_t k = 0; k < count; ++k) tags[k] = entries[k].block;
+    }
     std::size_t runs = 0;
     for (std::size_t k = 0; k < count; ++k) runs += k == 0 || entries[k].block != entries[k - 1].block ? 1 : 0;
     if (runs * 4 <= count) {

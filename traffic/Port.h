@@ -86,13 +86,12 @@ class Port : public FrameSource {
 
     std::size_t MaxLength() const override { return m_maxLength; }
     // Frames first .. first + count - 1 of the port; times[k] is the scheduled time (also in
-    // the signature).
+    // the signature), tags[k] the block.
     void Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
-               std::uint32_t* lengths, std::uint64_t* times) const override;
+               std::uint32_t* lengths, std::uint64_t* times, std::uint32_t* tags) const override;
 
     // pcapng names each frame's block: "block <blockID> <name>".
     const std::vector<std::string>& TagNames() const override { return m_tagNames; }
-    void Tags(std::uint64_t first, std::size_t count, std::uint32_t* tags) const override;
 
     std::uint64_t Frames() const { return m_timeline->Frames(); }
     const FrameTimeline& Timeline() const { return *m_timeline; }
@@ -101,7 +100,6 @@ class Port : public FrameSource {
     // The enabled blocks, in file order: their names and their place in the port file.
     std::size_t Blocks() const { return m_blocks.size(); }
     const std::string& BlockName(std::size_t b) const { return m_blocks[b].name; }
-    const FrameShaper& BlockFrames(std::size_t b) const { return *m_blocks[b].shaper; }
     const std::vector<std::string>& Warnings() const { return m_warnings; }
 
   private:

@@ -68,7 +68,7 @@ class TestSource : public FrameSource {
     }
 
     void Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
-               std::uint32_t* lengths, std::uint64_t* times) const override {
+               std::uint32_t* lengths, std::uint64_t* times, std::uint32_t*) const override {
         calls.fetch_add(1);
         EXPECT_GE(stride, m_max);
         if (throwAt >= first && throwAt < first + count) {
@@ -486,7 +486,7 @@ TEST(Capture, FrameLongerThanTheSourceSaysIsAnError) {
     struct Liar : FrameSource {
         std::size_t MaxLength() const override { return 64; }
         void Stamp(std::uint64_t, std::size_t count, unsigned char* out, std::size_t stride, std::uint32_t* lengths,
-                   std::uint64_t* times) const override {
+                   std::uint64_t* times, std::uint32_t*) const override {
             for (std::size_t k = 0; k < count; ++k) {
                 std::memset(out + k * stride, 0, 64);
                 lengths[k] = 65;

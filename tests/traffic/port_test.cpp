@@ -273,7 +273,7 @@ TEST(Port, CapturesAreTheSameForAnyThreadsAndSignaturesCarryTheTimes) {
     std::vector<unsigned char> out(64 * stride);
     std::vector<std::uint32_t> lengths(64);
     std::vector<std::uint64_t> times(64);
-    port.Stamp(4000, 64, out.data(), stride, lengths.data(), times.data());
+    port.Stamp(4000, 64, out.data(), stride, lengths.data(), times.data(), nullptr);
     const auto e = entries(*port.Rates(), 4000, 64);
     int signed_ = 0;
     for (std::size_t k = 0; k < 64; ++k) {

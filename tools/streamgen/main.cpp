@@ -242,6 +242,18 @@ int cmd_frames(const std::string& file, const BlockInput& in, const std::string&
     return kOk;
 }
 
+// Writes `bytes` to `out` ("-": standard output), in place only when complete; a failure ends the
+// command with status 1.
+void write_bytes(const std::string& out, const std::vector<unsigned char>& bytes) {
+    try {
+        OutputFile f(out, signal_watcher());
+        f.Write(bytes.data(), bytes.size());
+        f.Commit();
+    } catch (const std::runtime_error& e) {
+        throw Exit{kInvalid, e.what()};
+    }
+}
+
 // --- port --------------------------------------------------------------------------------------
 
 PortInput read_port(const std::string& file, const std::string& requests) {
@@ -304,13 +316,7 @@ int cmd_port(const std::string& file, const std::string& requests, const std::st
 int cmd_requests(const std::string& file, const std::string& out) {
     if (same_file(file, out)) throw InputError("--output", out + " is the port file itself");
     const std::vector<unsigned char> bytes = port_requests(load_port(file));
-    try {
-        OutputFile f(out, signal_watcher());
-        f.Write(bytes.data(), bytes.size());
-        f.Commit();
-    } catch (const std::runtime_error& e) {
-        throw Exit{kInvalid, e.what()};
-    }
+    write_bytes(out, bytes);
     std::cerr << "port requests: " << bytes.size() << " bytes -> " << (out == "-" ? "standard output" : out) << '\n';
     return kOk;
 }
@@ -333,13 +339,7 @@ int cmd_request(const std::string& file, const BlockInput& in, const std::string
         std::cout << doc.dump(2) << '\n';
         return kOk;
     }
-    try {
-        OutputFile f(out, signal_watcher());
-        f.Write(bytes.data(), bytes.size());
-        f.Commit();
-    } catch (const std::runtime_error& e) {
-        throw Exit{kInvalid, e.what()};
-    }
+    write_bytes(out, bytes);
     std::cerr << m.get_request_name() << ": " << bytes.size() << " bytes -> "
               << (out == "-" ? "standard output" : out) << '\n';
     return kOk;
