@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 
 #include "common/FieldPackerImpl.h"
 #include "common/GenericRangeModifier.h"
@@ -115,6 +117,11 @@ struct FramePlan::Track {
     std::uint32_t offset[kMaxWords] = {};
     std::uint64_t own[kMaxWords] = {};
     std::uint64_t keep[kMaxWords] = {};
+    // Whether no track before this one in its group owns a bit of its words: in frames that
+    // hold the template, its words are then base[j] (the template's bits it leaves) | value,
+    // stored without reading the frame back (a read that would wait for the template's copy).
+    bool plain = false;
+    std::uint64_t base[kMaxWords] = {};
     // Range values to words: X = (V >> valueShift) & valueMask are the packed value bytes, the
     // window is X << shift in windowSize bytes, and word j starts at window byte windowByte[j]
     // (negative for a word moved left to stay inside a short frame).
@@ -273,8 +280,9 @@ inline void Advance(const Track& t, Cursor& c, std::uint64_t frames, const std::
 }
 
 // Merges the same words into n frames. The track's words are read into locals first: the
-// frame stores are byte stores to the compiler, which could otherwise alias them.
-template <unsigned int W>
+// frame stores are byte stores to the compiler, which could otherwise alias them. With
+// Plain, the frames hold the template under the track's words (see Track::plain).
+template <unsigned int W, bool Plain>
 inline void MergeSame(const Track& t, const std::uint64_t* words, unsigned char* frame, std::size_t stride,
                       std::size_t n) {
     std::size_t offset[W];
@@ -283,33 +291,39 @@ inline void MergeSame(const Track& t, const std::uint64_t* words, unsigned char*
     for (unsigned int j = 0; j < W; ++j) {
         offset[j] = t.offset[j];
         keep[j] = t.keep[j];
-        value[j] = words[j];
+        value[j] = Plain ? t.base[j] | words[j] : words[j];
     }
     for (std::size_t i = 0; i < n; ++i, frame += stride) {
-        for (unsigned int j = 0; j < W; ++j) Store64(frame + offset[j], (Load64(frame + offset[j]) & keep[j]) | value[j]);
+        for (unsigned int j = 0; j < W; ++j) {
+            Store64(frame + offset[j], Plain ? value[j] : (Load64(frame + offset[j]) & keep[j]) | value[j]);
+        }
     }
 }
 
 // Merges consecutive values' words into n frames, one value a frame.
-template <unsigned int W>
+template <unsigned int W, bool Plain>
 inline void MergeConsecutive(const Track& t, const std::uint64_t* words, unsigned char* frame, std::size_t stride,
                              std::size_t n) {
     std::size_t offset[W];
     std::uint64_t keep[W];
+    std::uint64_t base[W];
     for (unsigned int j = 0; j < W; ++j) {
         offset[j] = t.offset[j];
         keep[j] = t.keep[j];
+        base[j] = t.base[j];
     }
     for (std::size_t i = 0; i < n; ++i, frame += stride, words += W) {
-        for (unsigned int j = 0; j < W; ++j) Store64(frame + offset[j], (Load64(frame + offset[j]) & keep[j]) | words[j]);
+        for (unsigned int j = 0; j < W; ++j) {
+            Store64(frame + offset[j], (Plain ? base[j] : Load64(frame + offset[j]) & keep[j]) | words[j]);
+        }
     }
 }
 
-template <unsigned int W>
+template <unsigned int W, bool Plain>
 void StampTrack(const Track& t, Cursor& c, unsigned char* frames, std::size_t stride, std::size_t count,
                 const std::uint64_t* tableWords) {
     if (t.perFrame) {
-        MergeConsecutive<W>(t, tableWords + t.tableFirst + c.index * W, frames, stride, count);
+        MergeConsecutive<W, Plain>(t, tableWords + t.tableFirst + c.index * W, frames, stride, count);
         c.index = (c.index + count) % t.cycle;
         return;
     }
@@ -318,12 +332,12 @@ void StampTrack(const Track& t, Cursor& c, unsigned char* frames, std::size_t st
         if (t.indexed && t.run == 1) {
             const std::uint64_t n =
                 std::min({std::uint64_t{count - k}, c.periodLeft, c.epochLeft, t.wrap - c.index});
-            MergeConsecutive<W>(t, c.words, frames + k * stride, stride, static_cast<std::size_t>(n));
+            MergeConsecutive<W, Plain>(t, c.words, frames + k * stride, stride, static_cast<std::size_t>(n));
             k += static_cast<std::size_t>(n);
             Advance(t, c, n, tableWords);
         } else {
             const std::uint64_t n = std::min(std::uint64_t{count - k}, c.left);
-            MergeSame<W>(t, c.words, frames + k * stride, stride, static_cast<std::size_t>(n));
+            MergeSame<W, Plain>(t, c.words, frames + k * stride, stride, static_cast<std::size_t>(n));
             k += static_cast<std::size_t>(n);
             c.left -= n;
             if (c.left == 0) Advance(t, c, c.runLength, tableWords);
@@ -439,11 +453,21 @@ FramePlan::FramePlan(const StreamBlockModifiers& modifiers, const std::vector<un
     Wide cycle = 1;
     bool cycleFits = true;
     m_tracks.reserve(modifiers.Size());
+    std::vector<unsigned char> owned(paddedLength, 0);  // the bits the group's tracks so far own
     for (std::size_t position = 0; position < modifiers.Size(); ++position) {
         Modifier& m = modifiers.At(position);
         const FieldPackerImpl& packer = PackerOf(m, frameTemplate);
         Track t;
         PlaceWords(t, packer, paddedLength);
+        // Plain: no track before it in its group owns a bit of its words (a plain store writes
+        // the whole word, the template's bits around its own included).
+        if (position % kGroup == 0) std::fill(owned.begin(), owned.end(), 0);
+        t.plain = true;
+        for (unsigned int j = 0; j < t.words; ++j) {
+            t.plain = t.plain && Load64(owned.data() + t.offset[j]) == 0;
+            t.base[j] = Load64(m_template.data() + t.offset[j]) & t.keep[j];
+        }
+        for (unsigned int j = 0; j < t.words; ++j) Store64(owned.data() + t.offset[j], Load64(owned.data() + t.offset[j]) | t.own[j]);
         std::uint64_t stateLength = 0;  // a period of this modifier's frames
         if (auto* range = dynamic_cast<RangeModifier*>(&m)) {
             RangeSequence seq;
@@ -581,8 +605,18 @@ void FramePlan::StampGroup(std::size_t firstTrack, std::size_t trackCount, bool 
                            std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride) const {
     const Track* tracks = m_tracks.data() + firstTrack;
     const std::uint64_t* tableWords = m_tableWords.data();
-    Cursor cursors[kGroup];
-    for (std::size_t i = 0; i < trackCount; ++i) Seek(tracks[i], cursors[i], first, tableWords);
+    // Cursors for the group's tracks only: a whole group's would be cleared on every call,
+    // which costs more than stamping a few frames.
+    static_assert(std::is_trivially_destructible<Cursor>::value, "cursors in slots are never destroyed");
+    union Place {
+        Place() {}
+        Cursor cursor;
+    };
+    Place places[kGroup];
+    for (std::size_t i = 0; i < trackCount; ++i) {
+        new (&places[i].cursor) Cursor();
+        Seek(tracks[i], places[i].cursor, first, tableWords);
+    }
 
     const std::size_t length = m_length;
     const unsigned char* frameTemplate = m_template.data();
@@ -606,11 +640,20 @@ void FramePlan::StampGroup(std::size_t firstTrack, std::size_t trackCount, bool 
             for (std::size_t k = 0; k < n; ++k) CopyFrame(block + k * stride, frameTemplate, length);
         }
         for (std::size_t i = 0; i < trackCount; ++i) {
+            if (tracks[i].plain && copyTemplate && !small) {
+                switch (tracks[i].words) {
+                    case 0: break;
+                    case 1: StampTrack<1, true>(tracks[i], places[i].cursor, frames, step, n, tableWords); break;
+                    case 2: StampTrack<2, true>(tracks[i], places[i].cursor, frames, step, n, tableWords); break;
+                    default: StampTrack<3, true>(tracks[i], places[i].cursor, frames, step, n, tableWords); break;
+                }
+                continue;
+            }
             switch (tracks[i].words) {
                 case 0: break;
-                case 1: StampTrack<1>(tracks[i], cursors[i], frames, step, n, tableWords); break;
-                case 2: StampTrack<2>(tracks[i], cursors[i], frames, step, n, tableWords); break;
-                default: StampTrack<3>(tracks[i], cursors[i], frames, step, n, tableWords); break;
+                case 1: StampTrack<1, false>(tracks[i], places[i].cursor, frames, step, n, tableWords); break;
+                case 2: StampTrack<2, false>(tracks[i], places[i].cursor, frames, step, n, tableWords); break;
+                default: StampTrack<3, false>(tracks[i], places[i].cursor, frames, step, n, tableWords); break;
             }
         }
         if (small) {

@@ -115,11 +115,32 @@ std::vector<unsigned char> file_header(const Layout& layout, bool fcs) {
     return h;
 }
 
-// Turns a block stamped at `stride` (frame k at k * stride + head) into consecutive records,
-// in place: a record is never longer than a slot, so each frame moves only towards the start.
-// Returns the bytes of the records.
-std::size_t lay_out(const Layout& layout, unsigned char* buffer, std::uint64_t first, std::size_t n,
-                    const std::uint32_t* lengths, const std::uint64_t* times, const std::uint32_t* tags) {
+// Copies n bytes between buffers that do not overlap: frames up to 128 bytes in a few
+// overlapping moves of fixed size, which the compiler makes straight-line.
+inline void copy_apart(unsigned char* to, const unsigned char* from, std::size_t n) {
+    if (n >= 16 && n <= 32) {
+        std::memcpy(to, from, 16);
+        std::memcpy(to + n - 16, from + n - 16, 16);
+    } else if (n > 32 && n <= 64) {
+        std::memcpy(to, from, 32);
+        std::memcpy(to + n - 32, from + n - 32, 32);
+    } else if (n > 64 && n <= 128) {
+        std::memcpy(to, from, 32);
+        std::memcpy(to + 32, from + 32, 32);
+        std::memcpy(to + n - 64, from + n - 64, 32);
+        std::memcpy(to + n - 32, from + n - 32, 32);
+    } else {
+        std::memcpy(to, from, n);
+    }
+}
+
+// Turns a block stamped at `stride` (frame k in slot slots[k], at slots[k] * stride + head of
+// `stamped`) into consecutive records at `records`. The two may be the same buffer when each
+// frame is in its own slot (slots[k] = k): a record is never longer than a slot, so each frame
+// moves only towards the start. Returns the bytes of the records.
+std::size_t lay_out(const Layout& layout, const unsigned char* stamped, const std::uint32_t* slots,
+                    unsigned char* buffer, std::uint64_t first, std::size_t n, const std::uint32_t* lengths,
+                    const std::uint64_t* times, const std::uint32_t* tags) {
     std::size_t at = 0;
     for (std::size_t k = 0; k < n; ++k) {
         const std::size_t length = lengths[k];
@@ -129,8 +150,12 @@ std::size_t lay_out(const Layout& layout, unsigned char* buffer, std::uint64_t f
                                    std::to_string(layout.maxLength));
         }
         unsigned char* r = buffer + at;
-        const std::size_t from = k * layout.stride;
-        if (from != at) std::memmove(r + layout.head, buffer + from + layout.head, length);
+        const unsigned char* from = stamped + std::size_t{slots[k]} * layout.stride + layout.head;
+        if (stamped != buffer) {
+            copy_apart(r + layout.head, from, length);
+        } else if (from != r + layout.head) {
+            std::memmove(r + layout.head, from, length);
+        }
         const std::uint64_t t = times[k];
         const std::vector<unsigned char>* options = nullptr;
         if (!layout.tagOptions.empty()) {
@@ -196,23 +221,36 @@ void run_worker(const Job& job, Shared& shared) {
         const Layout& layout = *job.layout;
         const auto slots = static_cast<std::size_t>(job.blockFrames);
         std::vector<unsigned char> buffer(slots * layout.stride);
+        std::vector<unsigned char> records;  // when the source leaves its frames out of order
         std::vector<std::uint32_t> lengths(slots);
         std::vector<std::uint64_t> times(slots);
         std::vector<std::uint32_t> tags(layout.tagOptions.empty() ? 0 : slots);
+        std::vector<std::uint32_t> where(slots);
         while (!shared.failed.load()) {
             const std::uint64_t b = shared.next.fetch_add(1);
             if (b >= job.blocks) return;
             const std::uint64_t first = b * job.blockFrames;
             const auto n = static_cast<std::size_t>(std::min(job.blockFrames, job.count - first));
-            job.source->Stamp(first, n, buffer.data() + layout.head, layout.stride, lengths.data(), times.data(),
-                              tags.empty() ? nullptr : tags.data());
-            const std::size_t size = lay_out(layout, buffer.data(), first, n, lengths.data(), times.data(), tags.data());
+            job.source->StampSlots(first, n, buffer.data() + layout.head, layout.stride, lengths.data(), times.data(),
+                                   tags.empty() ? nullptr : tags.data(), where.data());
+            bool inOrder = true;
+            for (std::size_t k = 0; k < n; ++k) {
+                if (where[k] >= n) throw std::logic_error("frame source: a frame's slot is beyond the run");
+                inOrder = inOrder && where[k] == k;
+            }
+            unsigned char* out = buffer.data();
+            if (!inOrder) {
+                records.resize(buffer.size());
+                out = records.data();
+            }
+            const std::size_t size =
+                lay_out(layout, buffer.data(), where.data(), out, first, n, lengths.data(), times.data(), tags.data());
 
             std::unique_lock<std::mutex> lock(shared.mutex);
             shared.turnChanged.wait(lock, [&] { return shared.turn == b || shared.failed.load(); });
             if (shared.failed.load()) return;
             lock.unlock();
-            job.sink->Write(buffer.data(), size);
+            job.sink->Write(out, size);
             lock.lock();
             shared.bytes += size;
             shared.turn = b + 1;

@@ -105,6 +105,8 @@ class FrameShaper : public FrameSource {
     // The signature's stream and sequence of frame i.
     std::uint32_t StreamOf(std::uint64_t i) const;
     std::uint32_t SequenceOf(std::uint64_t i) const;
+    // Whether the frames carry a signature (and so their transmit times).
+    bool SignsFrames() const { return m_signature; }
     // Streams of the block (1 when no modifier is marked useStream).
     std::uint32_t StreamCount() const { return m_streamCount; }
 

@@ -24,6 +24,18 @@ class FrameSource {
     virtual void Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
                        std::uint32_t* lengths, std::uint64_t* times, std::uint32_t* tags) const = 0;
 
+    // Stamp, except that frame first + k may go to any slot of `out` (slot s at out + s * stride,
+    // each of the count slots used once), slots[k] telling which; lengths, times and tags stay
+    // in frame order. For consumers that read frames where they lie (a capture writer, a
+    // sender's descriptors), so a source that makes its frames out of order (a port's blocks in
+    // turn) need not move them into order. This default stamps them in order.
+    virtual void StampSlots(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
+                            std::uint32_t* lengths, std::uint64_t* times, std::uint32_t* tags,
+                            std::uint32_t* slots) const {
+        Stamp(first, count, out, stride, lengths, times, tags);
+        for (std::size_t k = 0; k < count; ++k) slots[k] = static_cast<std::uint32_t>(k);
+    }
+
     // The names of where frames come from (a port's blocks), for captures that can carry them
     // (pcapng); empty when the source has none.
     virtual const std::vector<std::string>& TagNames() const {

@@ -183,6 +183,7 @@ Port::Port(const PortInput& in, const ShapeOptions& options, std::uint64_t frame
         }
         for (const auto& w : made.shaper->Warnings()) m_warnings.push_back(path + "." + w);
         m_maxLength = std::max(m_maxLength, made.shaper->MaxLength());
+        m_signatures = m_signatures || made.shaper->SignsFrames();
         m_tagNames.push_back("block " + std::to_string(block.block.blockID) + " " + made.name);
         m_blocks.push_back(std::move(made));
         positions.push_back(b);
@@ -366,8 +367,8 @@ std::unique_ptr<FrameTimeline> Port::MakeSequence(const PortInput& in, const std
 
 struct Port::Scratch {
     FrameTimeline::Work work;
-    std::vector<Schedule::Entry> entries;
-    std::vector<std::size_t> order, firstOf, fill;
+    FrameTimeline::Grouping grouping;
+    std::vector<std::uint32_t> blocks, places;
     std::vector<unsigned char> bytes;
     std::vector<std::uint32_t> lengths;
     std::vector<std::uint64_t> times;
@@ -388,50 +389,62 @@ void Port::GiveBack(std::unique_ptr<Scratch> s) const {
 
 void Port::Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
                  std::uint32_t* lengths, std::uint64_t* times, std::uint32_t* tags) const {
+    Make(first, count, out, stride, lengths, times, tags, nullptr);
+}
+
+void Port::StampSlots(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
+                      std::uint32_t* lengths, std::uint64_t* times, std::uint32_t* tags, std::uint32_t* slots) const {
+    Make(first, count, out, stride, lengths, times, tags, slots);
+}
+
+void Port::Make(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
+                std::uint32_t* lengths, std::uint64_t* times, std::uint32_t* tags, std::uint32_t* slots) const {
     std::unique_ptr<Scratch> scratch = TakeScratch();
     Scratch& sc = *scratch;
-    std::vector<Schedule::Entry>& entries = sc.entries;
-    entries.resize(count);
-    m_timeline->Entries(first, count, entries.data(), sc.work);
-    for (std::size_t k = 0; k < count; ++k) times[k] = entries[k].time;
-    if (tags != nullptr) {
-        for (std::size_t k = 0; k < count; ++k) tags[k] = entries[k].block;
-    }
-    std::size_t runs = 0;
-    for (std::size_t k = 0; k < count; ++k) runs += k == 0 || entries[k].block != entries[k - 1].block ? 1 : 0;
-    if (runs * 4 <= count) {
-        // Long runs of one block's consecutive frames go to its shaper at once, in place.
-        for (std::size_t k = 0; k < count;) {
-            std::size_t n = 1;
-            while (k + n < count && entries[k + n].block == entries[k].block) ++n;
-            m_blocks[entries[k].block].shaper->Shape(entries[k].index, n, out + k * stride, stride, lengths + k, times + k);
-            k += n;
+    sc.blocks.resize(count);
+    sc.places.resize(count);
+    std::uint32_t* blocks = tags != nullptr ? tags : sc.blocks.data();
+    std::uint32_t* places = slots != nullptr ? slots : sc.places.data();
+    const bool inOrder = m_timeline->Grouped(first, count, times, blocks, places, sc.grouping, sc.work);
+    const std::vector<FrameTimeline::Run>& runs = sc.grouping.runs;
+    if (inOrder) {
+        // Long runs of one block's consecutive frames, each made at once where it goes.
+        std::size_t k = 0;
+        for (const auto& r : runs) {
+            m_blocks[r.block].shaper->Shape(r.index, r.count, out + k * stride, stride, lengths + k, times + k);
+            k += r.count;
+        }
+        if (slots != nullptr) {
+            for (std::size_t i = 0; i < count; ++i) slots[i] = static_cast<std::uint32_t>(i);
         }
         GiveBack(std::move(scratch));
         return;
     }
-    // Many blocks taking turns: each block's frames of the run (consecutive in the block) are
-    // made at once into a scratch area, then moved to their places.
-    sc.order.resize(count);
-    sc.firstOf.assign(m_blocks.size() + 1, 0);
-    for (const auto& e : entries) ++sc.firstOf[e.block + 1];
-    for (std::size_t b = 0; b < m_blocks.size(); ++b) sc.firstOf[b + 1] += sc.firstOf[b];
-    sc.fill.assign(sc.firstOf.begin(), sc.firstOf.end() - 1);
-    for (std::size_t k = 0; k < count; ++k) sc.order[sc.fill[entries[k].block]++] = k;
-    if (sc.bytes.size() < count * stride) sc.bytes.resize(count * stride);
-    sc.lengths.resize(count);
-    sc.times.resize(count);
-    for (std::size_t k = 0; k < count; ++k) sc.times[k] = times[sc.order[k]];
-    for (std::size_t b = 0; b < m_blocks.size(); ++b) {
-        const std::size_t a = sc.firstOf[b], n = sc.firstOf[b + 1] - a;
-        if (n == 0) continue;
-        m_blocks[b].shaper->Shape(entries[sc.order[a]].index, n, sc.bytes.data() + a * stride, stride,
-                                  sc.lengths.data() + a, sc.times.data() + a);
+    // Blocks taking turns: each block's frames of the run are made at once, one block after
+    // the other, then (unless the caller takes them where they lie) moved to their places.
+    unsigned char* made = out;
+    if (slots == nullptr) {
+        if (sc.bytes.size() < count * stride) sc.bytes.resize(count * stride);
+        made = sc.bytes.data();
     }
-    for (std::size_t s = 0; s < count; ++s) {
-        const std::size_t k = sc.order[s];
-        lengths[k] = sc.lengths[s];
-        std::memcpy(out + k * stride, sc.bytes.data() + s * stride, sc.lengths[s]);
+    sc.lengths.resize(count);
+    if (m_signatures) {  // the signatures carry the times: in the runs' order too
+        sc.times.resize(count);
+        for (std::size_t k = 0; k < count; ++k) sc.times[places[k]] = times[k];
+    }
+    std::size_t at = 0;
+    for (const auto& r : runs) {
+        m_blocks[r.block].shaper->Shape(r.index, r.count, made + at * stride, stride, sc.lengths.data() + at,
+                                        m_signatures ? sc.times.data() + at : nullptr);
+        at += r.count;
+    }
+    if (slots != nullptr) {
+        for (std::size_t k = 0; k < count; ++k) lengths[k] = sc.lengths[places[k]];
+    } else {
+        for (std::size_t k = 0; k < count; ++k) {
+            lengths[k] = sc.lengths[places[k]];
+            std::memcpy(out + k * stride, made + std::size_t{places[k]} * stride, lengths[k]);
+        }
     }
     GiveBack(std::move(scratch));
 }

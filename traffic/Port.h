@@ -89,6 +89,10 @@ class Port : public FrameSource {
     // the signature), tags[k] the block.
     void Stamp(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
                std::uint32_t* lengths, std::uint64_t* times, std::uint32_t* tags) const override;
+    // Many blocks' frames stay where their blocks made them, in turn, without being moved.
+    void StampSlots(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride,
+                    std::uint32_t* lengths, std::uint64_t* times, std::uint32_t* tags,
+                    std::uint32_t* slots) const override;
 
     // pcapng names each frame's block: "block <blockID> <name>".
     const std::vector<std::string>& TagNames() const override { return m_tagNames; }
@@ -118,9 +122,13 @@ class Port : public FrameSource {
     struct Scratch;
     std::unique_ptr<Scratch> TakeScratch() const;
     void GiveBack(std::unique_ptr<Scratch> s) const;
+    // Stamp's work: frames in order, or (with `slots`) where their blocks made them.
+    void Make(std::uint64_t first, std::size_t count, unsigned char* out, std::size_t stride, std::uint32_t* lengths,
+              std::uint64_t* times, std::uint32_t* tags, std::uint32_t* slots) const;
     mutable std::mutex m_scratchMutex;
     mutable std::vector<std::unique_ptr<Scratch>> m_spare;
     std::size_t m_maxLength = 0;
+    bool m_signatures = false;  // a block signs its frames (with their times)
     std::vector<std::string> m_warnings;
 };
 

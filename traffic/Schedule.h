@@ -42,11 +42,28 @@ class FrameTimeline {
     static constexpr std::uint64_t kNoLimit = ~std::uint64_t{0};
     // Room that Entries reuses from call to call; one per thread.
     struct Work {
-        std::vector<std::uint64_t> next, last;
+        std::vector<std::uint64_t> next;
         std::vector<std::size_t> tied;
-        std::vector<Entry> window, sorted;
-        std::vector<std::uint32_t> start, fill;
+        std::vector<std::uint64_t> keys, sortedKeys;
+        std::vector<std::uint32_t> start;
+        std::vector<Entry> entries;
     };
+    // A block's consecutive frames, made together.
+    struct Run {
+        std::uint32_t block;
+        std::uint32_t count;
+        std::uint64_t index;  // the block's frame index of the first
+    };
+    // The frames that Entries gives, laid out to be made run by run: runs of one block's
+    // consecutive frames into `runs`, and for frame k of the port its time, block and place
+    // (places[k]: its position when the runs' frames are laid end to end). Returns true when
+    // the places are the frames' own order (places[k] = k; `places` is then not written).
+    struct Grouping {
+        std::vector<Run> runs;
+        std::vector<std::uint32_t> firstOf, fill;
+    };
+    virtual bool Grouped(std::uint64_t first, std::size_t count, std::uint64_t* times, std::uint32_t* blocks,
+                         std::uint32_t* places, Grouping& grouping, Work& work) const;
     virtual ~FrameTimeline() = default;
     // The port's frames (kNoLimit when it sends for ever).
     virtual std::uint64_t Frames() const = 0;
@@ -70,13 +87,33 @@ class Schedule : public FrameTimeline {
     std::uint64_t CountBefore(std::size_t block, std::uint64_t t) const;
     using FrameTimeline::Entries;
     void Entries(std::uint64_t first, std::size_t count, Entry* out, Work& work) const override;
+    bool Grouped(std::uint64_t first, std::size_t count, std::uint64_t* times, std::uint32_t* blocks,
+                 std::uint32_t* places, Grouping& grouping, Work& work) const override;
     std::size_t Blocks() const { return m_blocks.size(); }
 
   private:
     std::uint64_t CountAll(std::uint64_t t) const;
+    // The latest time with at most `first` frames before it.
+    std::uint64_t StartOf(std::uint64_t first) const;
+    void FewEntries(std::uint64_t first, std::size_t count, Entry* out, Work& work) const;
+    // Many blocks: every block's frames in a window of time, as words sorted by time into
+    // work.sortedKeys; false when they do not fit in words (the heap's way then).
+    struct Sorted {
+        std::uint64_t from;  // the window's start: times are from + (word >> lowBits)
+        std::uint64_t skip;  // words before frame `first`
+        std::size_t used;    // words up to frame first + count
+        unsigned lowBits, blockBits;
+    };
+    bool Sort(std::uint64_t first, std::size_t count, Work& work, Sorted& sorted) const;
+    // The frames of [from, end) as sortable words into `keys` (grown when short), block b's
+    // from its frame next[b], each counted in buckets[word >> shift]; returns how many.
+    std::size_t Window(std::uint64_t from, std::uint64_t end, unsigned lowBits, unsigned shift,
+                       const std::vector<std::uint64_t>& next, std::vector<std::uint64_t>& keys,
+                       std::uint32_t* buckets) const;
     std::vector<BlockTiming> m_blocks;
     std::vector<Fraction> m_period;  // burst period of each block
     std::vector<std::vector<std::uint64_t>> m_segmentStart;  // of blocks with segments: their starts in a cycle, and its length
+    unsigned m_rankBits = 0;  // bits of the largest rank
     long double m_rate = 1;  // frames per nanosecond, all blocks: the search's first guess
     std::uint64_t m_end;
     std::uint64_t m_frames;

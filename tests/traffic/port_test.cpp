@@ -148,6 +148,10 @@ TEST(Port, ManyBlocksMergeAsAReferenceSortOfEveryFrame) {
             BlockTiming t;
             t.start = static_cast<std::uint64_t>(b % 7) * 1000;
             t.steady = with_parts(Fraction{static_cast<U128>(1000 + 37 * b), static_cast<U128>(1 + b % 3)});
+            if (b % 6 == 5) {  // a remainder that comes round unevenly
+                t.steady = with_parts(Fraction{static_cast<U128>(1000 + 37 * b) * 1000003 + 999999, 1000003});
+            }
+            if (b == 38) t.start = 1500000;  // starts late: the mean rate misleads a search
             if (b % 4 == 1) {
                 t.burst = 3;
                 t.inBurst = with_parts(Fraction{7, 1});
@@ -169,7 +173,7 @@ TEST(Port, ManyBlocksMergeAsAReferenceSortOfEveryFrame) {
         // Every block's frames before horizon - 10 µs are all there.
         const auto usable = static_cast<std::size_t>(
             std::count_if(all.begin(), all.end(), [&](const Schedule::Entry& e) { return e.time < horizon - 10000; }));
-        for (const std::uint64_t first : {0ull, 1ull, 17ull, 999ull, 5000ull}) {
+        for (const std::uint64_t first : {0ull, 1ull, 17ull, 999ull, 5000ull, 60000ull}) {
             const auto got = entries(s, first, 1500);
             for (std::size_t k = 0; k < got.size() && first + k < usable; ++k) {
                 ASSERT_TRUE(same(got[k], all[first + k])) << "frame " << first + k << ": block " << got[k].block << " index "
@@ -248,46 +252,68 @@ TEST(Port, BurstsPrioritiesAndModes) {
     }
 }
 
-TEST(Port, CapturesAreTheSameForAnyThreadsAndSignaturesCarryTheTimes) {
-    Json p;
-    Json a = block(1, "a"), b = block(2, "b");
-    b["baseStream"]["frame"]["options"] = {{"insertSigField", true}, {"fillType", "PRBS"}};
-    b["baseStream"]["frame"]["lengthCfg"] = {{"mode", "RANDOM"}, {"minLength", 64}, {"maxLength", 300}};
-    p["blocks"] = {a, b};
-    p["common"]["rate"]["fixed"] = {{"rateUnit", "PERCENT_LINE_RATE"}, {"rate", 50000000}};
-    const Port port = make(p, 5000);
-    std::vector<unsigned char> reference;
-    for (const unsigned threads : {1u, 2u, 3u}) {
-        MemorySink sink;
-        CaptureOptions o;
-        o.format = CaptureFormat::PcapNano;
-        o.threads = threads;
-        write_capture(sink, port.Frames(), port, o);
-        if (threads == 1) {
-            reference = sink.Bytes();
-        } else {
-            EXPECT_EQ(sink.Bytes(), reference) << threads << " threads";
+TEST(Port, CapturesAreTheSameForAnyThreadsAndRunAndSignaturesCarryTheTimes) {
+    // 2 blocks (merged by a heap, made run by run in place) and 12 (merged in buckets, made
+    // block by block): the capture for any threads, Stamp of a run and frame by frame agree.
+    for (const int count : {2, 12}) {
+        SCOPED_TRACE(count);
+        Json p;
+        p["blocks"] = Json::array();
+        for (int k = 0; k < count; ++k) {
+            Json b = block(static_cast<std::uint32_t>(k + 1), "b");
+            if (k % 2 == 1) {
+                b["baseStream"]["frame"]["options"] = {{"insertSigField", true}, {"fillType", "PRBS"}};
+                b["baseStream"]["frame"]["lengthCfg"] = {{"mode", "RANDOM"}, {"minLength", 64}, {"maxLength", 300}};
+            }
+            p["blocks"].push_back(b);
         }
-    }
-    const std::size_t stride = port.MaxLength();
-    std::vector<unsigned char> out(64 * stride);
-    std::vector<std::uint32_t> lengths(64);
-    std::vector<std::uint64_t> times(64);
-    port.Stamp(4000, 64, out.data(), stride, lengths.data(), times.data(), nullptr);
-    const auto e = entries(*port.Rates(), 4000, 64);
-    int signed_ = 0;
-    for (std::size_t k = 0; k < 64; ++k) {
-        EXPECT_EQ(times[k], e[k].time);
-        Signature s;
-        if (e[k].block == 1) {
-            ASSERT_EQ(read_signature(out.data() + k * stride, lengths[k], s), SignatureCheck::Good);
-            EXPECT_EQ(s.txTime, e[k].time);
-            EXPECT_EQ(s.block, 2);
-            EXPECT_EQ(s.sequence, e[k].index);
-            ++signed_;
+        p["common"]["rate"]["fixed"] = {{"rateUnit", "PERCENT_LINE_RATE"}, {"rate", 50000000}};
+        const Port port = make(p, 5000);
+        std::vector<unsigned char> reference;
+        for (const unsigned threads : {1u, 2u, 3u}) {
+            MemorySink sink;
+            CaptureOptions o;
+            o.format = CaptureFormat::PcapNano;
+            o.threads = threads;
+            write_capture(sink, port.Frames(), port, o);
+            if (threads == 1) {
+                reference = sink.Bytes();
+            } else {
+                EXPECT_EQ(sink.Bytes(), reference) << threads << " threads";
+            }
         }
+        const std::size_t stride = port.MaxLength();
+        std::vector<unsigned char> out(64 * stride), one(stride);
+        std::vector<std::uint32_t> lengths(64);
+        std::vector<std::uint64_t> times(64);
+        port.Stamp(4000, 64, out.data(), stride, lengths.data(), times.data(), nullptr);
+        const auto e = entries(*port.Rates(), 4000, 64);
+        // The capture's records from frame 4000 on: 16 bytes of header, then the frame.
+        std::size_t at = 24;
+        for (int k = 0; k < 4000; ++k) at += 16 + (reference[at + 8] | reference[at + 9] << 8);
+        int signed_ = 0;
+        for (std::size_t k = 0; k < 64; ++k) {
+            EXPECT_EQ(times[k], e[k].time);
+            std::uint32_t length = 0;
+            std::uint64_t time = 0;
+            port.Stamp(4000 + k, 1, one.data(), stride, &length, &time, nullptr);
+            ASSERT_EQ(length, lengths[k]) << "frame " << 4000 + k;
+            EXPECT_EQ(time, times[k]);
+            EXPECT_TRUE(std::equal(one.begin(), one.begin() + length, out.begin() + k * stride)) << "frame " << 4000 + k;
+            ASSERT_EQ(reference[at + 8] | reference[at + 9] << 8, static_cast<int>(length));
+            EXPECT_TRUE(std::equal(one.begin(), one.begin() + length, reference.begin() + at + 16)) << "frame " << 4000 + k;
+            at += 16 + length;
+            Signature s;
+            if (e[k].block % 2 == 1) {
+                ASSERT_EQ(read_signature(out.data() + k * stride, lengths[k], s), SignatureCheck::Good);
+                EXPECT_EQ(s.txTime, e[k].time);
+                EXPECT_EQ(s.block, e[k].block + 1);
+                EXPECT_EQ(s.sequence, e[k].index);
+                ++signed_;
+            }
+        }
+        EXPECT_GT(signed_, 10);
     }
-    EXPECT_GT(signed_, 10);
 }
 
 // A sequence table's entry: `fps` thousandths of frames per second for every gap.
