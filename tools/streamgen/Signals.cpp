@@ -35,7 +35,26 @@ class Watcher final : public vrm::traffic::TempWatcher {
     void Gone() override { g_havePending.store(false); }
 };
 
+std::atomic<bool> g_interrupted{false};
+
+extern "C" void note_interrupt(int) { g_interrupted.store(true); }
+
 }  // namespace
+
+const std::atomic<bool>* interrupt_flag() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        for (int sig : {SIGINT, SIGTERM}) {
+            struct sigaction sa {};
+            sa.sa_handler = note_interrupt;
+            sigemptyset(&sa.sa_mask);
+            struct sigaction old {};
+            sigaction(sig, nullptr, &old);
+            if (old.sa_handler != SIG_IGN) sigaction(sig, &sa, nullptr);
+        }
+    });
+    return &g_interrupted;
+}
 
 vrm::traffic::TempWatcher* signal_watcher() {
     static Watcher watcher;

@@ -40,6 +40,7 @@
 #include "traffic/Port.h"
 #include "traffic/Capture.h"
 #include "traffic/FrameShaper.h"
+#include "traffic/Send.h"
 
 namespace {
 
@@ -313,6 +314,116 @@ int cmd_port(const std::string& file, const std::string& requests, const std::st
     return kOk;
 }
 
+// --- send --------------------------------------------------------------------------------------
+
+constexpr int kCannotSend = 3;  // no such interface, down, no permission, a frame too long
+constexpr int kSendFailed = 4;  // the interface went away or failed during the run
+constexpr int kInterrupted = 130;
+
+struct SendArgs {
+    std::string interface, rate, tx = "auto";
+    uint64_t count = 0;
+    double seconds = 0;
+    uint32_t maxBurst = 256;
+    bool force = false, json = false, checksums = true;
+};
+
+// One report line: text, or a JSON object with --json.
+void print_counts(const SendCounts& c, bool json, bool last) {
+    const double s = c.seconds > 0 ? c.seconds : 1e-9;
+    const double pps = static_cast<double>(c.frames) / s;
+    const double l2 = static_cast<double>(c.bytes + 4 * c.frames) * 8 / s;   // frames and their FCS
+    const double l1 = static_cast<double>(c.bytes + 24 * c.frames) * 8 / s;  // and preamble, gap
+    const unsigned long long txDelta = c.after.txPackets - std::min(c.after.txPackets, c.before.txPackets);
+    if (json) {
+        nlohmann::ordered_json j;
+        j["final"] = last;
+        j["seconds"] = c.seconds;
+        j["frames"] = c.frames;
+        j["bytes"] = c.bytes;
+        j["pps"] = pps;
+        j["l1_bps"] = l1;
+        j["l2_bps"] = l2;
+        j["retries"] = c.retries;
+        j["stalls"] = c.stalls;
+        j["late_ns"] = {{"p50", c.lateP50}, {"p99", c.lateP99}, {"max", c.lateMax}};
+        j["interface_tx_packets"] = {{"before", c.before.txPackets}, {"after", c.after.txPackets}};
+        j["interface_tx_dropped"] = {{"before", c.before.txDropped}, {"after", c.after.txDropped}};
+        j["sender"] = c.sender;
+        std::fprintf(stderr, "%s\n", j.dump().c_str());
+        return;
+    }
+    std::fprintf(stderr,
+                 "%s%llu frames, %llu bytes in %.3f s: %.0f frames/s, L1 %.1f Mbit/s, L2 %.1f Mbit/s; retries %llu, "
+                 "stalls %llu; late p50 %.1f us, p99 %.1f us, max %.1f us; interface tx_packets +%llu\n",
+                 last ? "sent " : "", static_cast<unsigned long long>(c.frames), static_cast<unsigned long long>(c.bytes),
+                 c.seconds, pps, l1 / 1e6, l2 / 1e6, static_cast<unsigned long long>(c.retries),
+                 static_cast<unsigned long long>(c.stalls), static_cast<double>(c.lateP50) / 1e3,
+                 static_cast<double>(c.lateP99) / 1e3, static_cast<double>(c.lateMax) / 1e3, txDelta);
+}
+
+int cmd_send(const std::string& file, const std::string& requests, const SendArgs& a, const CLI::Option* countOpt) {
+    SendOptions o;
+    o.interface = a.interface;
+    o.maxBurst = a.maxBurst;
+    o.force = a.force;
+    o.stop = interrupt_flag();
+    if (countOpt->count() > 0) o.count = a.count;
+    if (a.seconds > 0) {
+        if (a.seconds > 1.8e10) throw InputError("--duration", "at most 1.8e10 seconds");
+        o.durationNs = static_cast<uint64_t>(a.seconds * 1e9 + 0.5);
+    }
+    if (a.rate == "max") {
+        o.topSpeed = true;
+    } else if (!a.rate.empty()) {
+        char* end = nullptr;
+        o.rate = std::strtod(a.rate.c_str(), &end);
+        if (end == a.rate.c_str() || *end != '\0' || !(o.rate > 0) || o.rate > 1e10) {
+            throw InputError("--rate", "expected frames per second (above 0, at most 1e10) or max, got " + a.rate);
+        }
+    }
+    if (a.tx == "xdp") throw Exit{kCannotSend, "--tx xdp: this build sends through packet sockets only"};
+    ShapeOptions shape;
+    shape.checksums = a.checksums;
+    std::unique_ptr<FrameSource> source;
+    std::unique_ptr<BlockModifiers> mods;
+    const std::string shown = file == "-" ? "standard input" : file;
+    std::string text;
+    if (requests.empty()) text = read_block_text(file);
+    const bool isPort = !requests.empty() || parse_json_document(text).contains("blocks");
+    if (isPort) {
+        PortInput in = requests.empty() ? parse_port(text) : read_port(file, requests);
+        auto port = std::make_unique<Port>(in, shape, o.count, o.durationNs);
+        for (const auto& w : port->Warnings()) warn(shown, w);
+        o.count = std::min(o.count, port->Frames());
+        source = std::move(port);
+    } else {
+        const BlockInput in = parse_block(text);
+        mods = build_valid(in);
+        std::vector<std::string> warnings;
+        auto shaper = std::make_unique<FrameShaper>(in, checked_plan(in, *mods, &warnings), *mods, shape);
+        for (const auto& w : shaper->Warnings()) warnings.push_back(w);
+        for (const auto& w : warnings) warn(shown, w);
+        if (countOpt->count() == 0 && in.frames) o.count = *in.frames;
+        if (o.rate == 0) o.topSpeed = true;  // a block alone has no rate of its own
+        source = std::move(shaper);
+    }
+    if (o.count == ~uint64_t{0} && o.durationNs == ~uint64_t{0}) {
+        std::fprintf(stderr, "streamgen: sending until interrupted (Ctrl-C)\n");
+    }
+    // Reports while sending (and the counts at a failure); the final one is printed below.
+    o.progress = [&](const SendCounts& now) { print_counts(now, a.json, false); };
+    SendCounts c;
+    try {
+        c = send_frames(*source, o);
+    } catch (const SendError& e) {
+        const bool during = e.kind() == SendError::Kind::Vanished || e.kind() == SendError::Kind::System;
+        throw Exit{during ? kSendFailed : kCannotSend, e.what()};
+    }
+    print_counts(c, a.json, true);
+    return o.stop->load() ? kInterrupted : kOk;
+}
+
 int cmd_requests(const std::string& file, const std::string& out) {
     if (same_file(file, out)) throw InputError("--output", out + " is the port file itself");
     const std::vector<unsigned char> bytes = port_requests(load_port(file));
@@ -532,11 +643,37 @@ int main(int argc, char** argv) {
     describe->add_option("METHOD", method, "Method name, e.g. SetStreamBlock");
     describe->footer("Examples: streamgen describe\n          streamgen describe SetStreamBlock");
 
+    SendArgs sendArgs;
+    auto* send = app.add_subcommand(
+        "send", "Send a block's or a port's frames on a network interface, at the port's times (docs/send.md)");
+    auto* sendFile = send->add_option("SOURCE", file, "Block or port JSON file (- for standard input)");
+    auto* sendRequests =
+        send->add_option("--requests", requestsFile, "Instead of SOURCE: a port as the requests a host sends");
+    sendFile->excludes(sendRequests);
+    send->require_option(1, 0);
+    send->add_option("-i,--interface", sendArgs.interface, "The interface to send on")->required();
+    auto* sendCount = send->add_option("--count", sendArgs.count, "Exactly this many frames (default: all, or until interrupted)")
+                          ->check(kNotNegative);
+    send->add_option("--duration", sendArgs.seconds, "Stop after this many seconds")->check(CLI::PositiveNumber);
+    send->add_option("--rate", sendArgs.rate,
+                     "Frames per second instead of the port's times, or max: as fast as the interface takes them "
+                     "(a block alone: max unless given)");
+    send->add_option("--tx", sendArgs.tx, "auto (default) or packet: packet socket with sendmmsg")
+        ->check(CLI::IsMember({"auto", "packet", "xdp"}));
+    send->add_option("--max-burst", sendArgs.maxBurst, "Frames sent back to back when behind, at most (default 256)")
+        ->check(CLI::Range(1u, 1000000u));
+    send->add_flag("--force", sendArgs.force, "Send on an interface that is down or has no carrier");
+    send->add_flag("--json", sendArgs.json, "Reports as JSON lines (on standard error)");
+    send->footer("Reports about once a second and at the end on standard error. Ctrl-C stops, and the final counts "
+                 "still print.\nExit status: 0 sent, 1 invalid block, 2 bad input, 3 cannot send (no such interface, "
+                 "down, no permission, a frame too long), 4 the interface failed during the run, 130 interrupted.\n"
+                 "Example: streamgen send examples/ports/two-blocks.json -i veth0 --duration 5");
+
     bool known = argc < 2 || argv[1][0] == '-';
     for (const CLI::App* sub : app.get_subcommands({})) known = known || sub->get_name() == argv[1];
     if (!known) {
         std::cerr << "streamgen: unknown command " << argv[1]
-                  << " (expected validate, values, frames, port, requests, request, decode or describe)\n";
+                  << " (expected validate, values, frames, port, send, requests, request, decode or describe)\n";
         return kBadInput;
     }
     try {
@@ -571,6 +708,10 @@ int main(int argc, char** argv) {
                                    checksums == "recompute", f, fcs));
         }
         if (requests->parsed()) return finish(cmd_requests(file, out));
+        if (send->parsed()) {
+            sendArgs.checksums = true;
+            return finish(cmd_send(file, requestsFile, sendArgs, sendCount));
+        }
         if (request->parsed()) return finish(cmd_request(file, load_block(file), out));
         if (decode->parsed()) return finish(cmd_decode(file));
         if (describe->parsed()) return finish(cmd_describe(method));

@@ -1,0 +1,368 @@
+#include "traffic/Send.h"
+
+#include <linux/if_packet.h>
+#include <net/if.h>
+#include <netinet/in.h>
+#include <sys/ioctl.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <vector>
+
+namespace vrm::traffic {
+
+namespace {
+
+constexpr std::size_t kBatch = 64;                // frames made and handed over at once
+constexpr std::uint64_t kSpinNs = 50000;          // the last stretch before a frame is waited for busily
+constexpr std::uint64_t kProgressNs = 1000000000;  // between progress reports
+constexpr std::uint16_t kVlanTag = 0x8100, kQinQTag = 0x88a8;
+
+std::uint64_t now_ns() {
+    timespec ts{};
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return static_cast<std::uint64_t>(ts.tv_sec) * 1000000000ull + static_cast<std::uint64_t>(ts.tv_nsec);
+}
+
+std::string system_text(int error) { return std::strerror(error); }
+
+// A socket closed with its scope.
+class Fd {
+  public:
+    explicit Fd(int fd) : m_fd(fd) {}
+    ~Fd() {
+        if (m_fd >= 0) ::close(m_fd);
+    }
+    Fd(const Fd&) = delete;
+    Fd& operator=(const Fd&) = delete;
+    int get() const { return m_fd; }
+
+  private:
+    int m_fd;
+};
+
+bool read_number(const std::string& path, std::uint64_t& value) {
+    std::ifstream in(path);
+    return static_cast<bool>(in >> value);
+}
+
+// Lateness in buckets of 1/16 of a power of two of nanoseconds: percentiles within 6%, in a
+// fixed array.
+class Lateness {
+  public:
+    void Add(std::uint64_t ns) {
+        m_max = std::max(m_max, ns);
+        ++m_counts[Bucket(ns)];
+        ++m_total;
+    }
+    std::uint64_t Max() const { return m_max; }
+    // The upper end of the bucket that holds the q-th quantile.
+    std::uint64_t Quantile(double q) const {
+        if (m_total == 0) return 0;
+        const auto rank = static_cast<std::uint64_t>(q * static_cast<double>(m_total - 1)) + 1;
+        std::uint64_t seen = 0;
+        for (std::size_t b = 0; b < m_counts.size(); ++b) {
+            seen += m_counts[b];
+            if (seen >= rank) return std::min(Upper(b), m_max);
+        }
+        return m_max;
+    }
+
+  private:
+    static std::size_t Bucket(std::uint64_t ns) {
+        if (ns < 16) return static_cast<std::size_t>(ns);
+        unsigned top = 63;
+        while ((ns >> top) == 0) --top;
+        return static_cast<std::size_t>((top - 3) * 16 + ((ns >> (top - 4)) & 15));
+    }
+    static std::uint64_t Upper(std::size_t b) {
+        if (b < 16) return b;
+        const unsigned top = static_cast<unsigned>(b / 16) + 3;
+        const std::uint64_t sub = b % 16;
+        const std::uint64_t low = (std::uint64_t{1} << top) + (sub << (top - 4));
+        return low + (std::uint64_t{1} << (top - 4)) - 1;
+    }
+    std::array<std::uint64_t, 64 * 16> m_counts{};
+    std::uint64_t m_total = 0;
+    std::uint64_t m_max = 0;
+};
+
+// What the interface is and takes.
+struct Interface {
+    unsigned index = 0;
+    std::uint32_t mtu = 1500;
+};
+
+Interface open_interface(const std::string& name, bool force) {
+    if (name.empty() || name.size() >= IFNAMSIZ) {
+        throw SendError(SendError::Kind::NoInterface, "no interface named '" + name + "'");
+    }
+    Interface i;
+    i.index = if_nametoindex(name.c_str());
+    if (i.index == 0) throw SendError(SendError::Kind::NoInterface, "no interface named " + name);
+    Fd probe(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    if (probe.get() < 0) throw SendError(SendError::Kind::System, "socket: " + system_text(errno));
+    ifreq req{};
+    std::memcpy(req.ifr_name, name.c_str(), name.size());
+    if (::ioctl(probe.get(), SIOCGIFFLAGS, &req) != 0) {
+        throw SendError(SendError::Kind::NoInterface, name + ": " + system_text(errno));
+    }
+    const bool up = (req.ifr_flags & IFF_UP) != 0, running = (req.ifr_flags & IFF_RUNNING) != 0;
+    if (!force && !up) throw SendError(SendError::Kind::Down, name + " is down (--force sends anyway)");
+    if (!force && !running) throw SendError(SendError::Kind::Down, name + " has no carrier (--force sends anyway)");
+    if (::ioctl(probe.get(), SIOCGIFMTU, &req) == 0) i.mtu = static_cast<std::uint32_t>(req.ifr_mtu);
+    return i;
+}
+
+// The longest frame the interface takes: its MTU and the Ethernet header, and a tag more for
+// a tagged frame.
+bool fits(const unsigned char* frame, std::uint32_t length, std::uint32_t mtu) {
+    if (length <= mtu + 14) return true;
+    if (length > mtu + 18 || length < 14) return false;
+    const std::uint16_t type = static_cast<std::uint16_t>(frame[12] << 8 | frame[13]);
+    return type == kVlanTag || type == kQinQTag;
+}
+
+// A packet socket bound to the interface, sending batches with sendmmsg past the queueing
+// discipline. It receives nothing (protocol 0).
+class PacketSender {
+  public:
+    PacketSender(const std::string& name, const Interface& i) : m_name(name), m_fd(::socket(AF_PACKET, SOCK_RAW | SOCK_CLOEXEC, 0)) {
+        if (m_fd.get() < 0) {
+            const int e = errno;
+            if (e == EPERM || e == EACCES) {
+                throw SendError(SendError::Kind::Permission,
+                                "no permission to send on " + name + ": a packet socket needs CAP_NET_RAW");
+            }
+            throw SendError(SendError::Kind::System, "packet socket: " + system_text(e));
+        }
+        sockaddr_ll at{};
+        at.sll_family = AF_PACKET;
+        at.sll_ifindex = static_cast<int>(i.index);
+        if (::bind(m_fd.get(), reinterpret_cast<const sockaddr*>(&at), sizeof at) != 0) {
+            throw SendError(SendError::Kind::System, name + ": bind: " + system_text(errno));
+        }
+        const int one = 1;
+        m_bypass = ::setsockopt(m_fd.get(), SOL_PACKET, PACKET_QDISC_BYPASS, &one, sizeof one) == 0;
+    }
+    std::string Name() const {
+        return m_bypass ? "packet (sendmmsg, qdisc bypass)" : "packet (sendmmsg)";
+    }
+    // Hands frames k = 0 .. n - 1 (at frames[k], lengths[k]) to the kernel, offering again what
+    // it does not take. Returns when all are taken or stop is set (then fewer); `retries`
+    // counts the refusals.
+    std::size_t Send(unsigned char* const* frames, const std::uint32_t* lengths, std::size_t n, std::uint64_t& retries,
+                     const std::atomic<bool>* stop) {
+        for (std::size_t k = 0; k < n; ++k) {
+            m_iov[k].iov_base = frames[k];
+            m_iov[k].iov_len = lengths[k];
+            m_msgs[k] = mmsghdr{};
+            m_msgs[k].msg_hdr.msg_iov = &m_iov[k];
+            m_msgs[k].msg_hdr.msg_iovlen = 1;
+        }
+        std::size_t done = 0;
+        while (done < n) {
+            const int r = ::sendmmsg(m_fd.get(), m_msgs.data() + done, static_cast<unsigned>(n - done), 0);
+            if (r > 0) {
+                done += static_cast<std::size_t>(r);
+                if (done < n) ++retries;
+                continue;
+            }
+            const int e = r == 0 ? EAGAIN : errno;
+            if (e == EINTR) continue;
+            if (e == ENOBUFS || e == EAGAIN) {
+                ++retries;
+                if (stop != nullptr && stop->load(std::memory_order_relaxed)) return done;
+                sched_yield();
+                continue;
+            }
+            if (e == ENXIO || e == ENODEV || e == ENETDOWN) {
+                throw SendError(SendError::Kind::Vanished, m_name + " went away or down while sending: " + system_text(e));
+            }
+            if (e == EMSGSIZE) {
+                throw SendError(SendError::Kind::TooLong,
+                                m_name + ": a frame of " + std::to_string(lengths[done]) + " bytes is too long for it");
+            }
+            if (e == EPERM || e == EACCES) {
+                throw SendError(SendError::Kind::Permission, "no permission to send on " + m_name + ": " + system_text(e));
+            }
+            throw SendError(SendError::Kind::System, m_name + ": sendmmsg: " + system_text(e));
+        }
+        return done;
+    }
+
+  private:
+    std::string m_name;
+    Fd m_fd;
+    bool m_bypass = false;
+    std::array<iovec, kBatch> m_iov{};
+    std::array<mmsghdr, kBatch> m_msgs{};
+};
+
+// Waits until `due` (monotonic nanoseconds): a sleep to shortly before it, then a spin.
+void wait_until(std::uint64_t due) {
+    std::uint64_t now = now_ns();
+    if (due > now + kSpinNs) {
+        const std::uint64_t wake = due - kSpinNs;
+        timespec ts{};
+        ts.tv_sec = static_cast<time_t>(wake / 1000000000ull);
+        ts.tv_nsec = static_cast<long>(wake % 1000000000ull);
+        while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &ts, nullptr) == EINTR) {
+        }
+    }
+    while (now_ns() < due) {
+    }
+}
+
+// The thread's timer slack at 1 ns while sending (sleeps end when asked, not up to 50 µs
+// later), as it was afterwards.
+class TimerSlack {
+  public:
+    TimerSlack() : m_old(prctl(PR_GET_TIMERSLACK, 0, 0, 0, 0)) { prctl(PR_SET_TIMERSLACK, 1, 0, 0, 0); }
+    ~TimerSlack() {
+        if (m_old > 0) prctl(PR_SET_TIMERSLACK, static_cast<unsigned long>(m_old), 0, 0, 0);
+    }
+    TimerSlack(const TimerSlack&) = delete;
+    TimerSlack& operator=(const TimerSlack&) = delete;
+
+  private:
+    long m_old;
+};
+
+}  // namespace
+
+InterfaceCounters read_interface_counters(const std::string& interface) {
+    const std::string dir = "/sys/class/net/" + interface + "/statistics/";
+    InterfaceCounters c;
+    if (interface.empty() || interface.find('/') != std::string::npos || !read_number(dir + "tx_packets", c.txPackets)) {
+        throw SendError(SendError::Kind::NoInterface, "no interface named " + interface);
+    }
+    read_number(dir + "tx_bytes", c.txBytes);
+    read_number(dir + "tx_dropped", c.txDropped);
+    read_number(dir + "rx_packets", c.rxPackets);
+    read_number(dir + "rx_bytes", c.rxBytes);
+    return c;
+}
+
+SendCounts send_frames(const FrameSource& source, const SendOptions& options) {
+    const Interface iface = open_interface(options.interface, options.force);
+    PacketSender sender(options.interface, iface);
+    SendCounts counts;
+    counts.sender = sender.Name();
+    counts.before = read_interface_counters(options.interface);
+    counts.after = counts.before;
+
+    const std::size_t stride = (std::max<std::size_t>(source.MaxLength(), 64) + 63) / 64 * 64;
+    std::vector<unsigned char> buffer(kBatch * stride);
+    std::array<std::uint32_t, kBatch> lengths{}, slots{};
+    std::array<std::uint64_t, kBatch> times{}, due{};
+    std::array<unsigned char*, kBatch> frames{};
+    const bool paced = !options.topSpeed;
+    const double interval = options.rate > 0 ? 1e9 / options.rate : 0;
+    const std::uint32_t maxBurst = std::max<std::uint32_t>(1, options.maxBurst);
+    Lateness lateness;
+    TimerSlack slack;
+
+    const std::uint64_t start = now_ns() + 100000;  // the first frame 100 µs from now
+    std::uint64_t shift = 0;                         // how far stalls moved the schedule on
+    std::uint64_t burst = 0;                         // frames sent back to back while behind
+    std::uint64_t nextReport = start + kProgressNs;
+    auto finish = [&] {
+        counts.seconds = static_cast<double>(now_ns() - std::min(now_ns(), start)) / 1e9;
+        counts.lateP50 = lateness.Quantile(0.50);
+        counts.lateP99 = lateness.Quantile(0.99);
+        counts.lateMax = lateness.Max();
+        try {
+            counts.after = read_interface_counters(options.interface);
+        } catch (const SendError&) {
+            // gone: the counts before stay the last known
+        }
+    };
+    auto stopped = [&] { return options.stop != nullptr && options.stop->load(std::memory_order_relaxed); };
+    try {
+        std::uint64_t first = 0;
+        bool ended = false;
+        while (!ended && first < options.count && !stopped()) {
+            const auto n = static_cast<std::size_t>(std::min<std::uint64_t>(kBatch, options.count - first));
+            source.StampSlots(first, n, buffer.data(), stride, lengths.data(), times.data(), nullptr, slots.data());
+            for (std::size_t k = 0; k < n; ++k) {
+                frames[k] = buffer.data() + std::size_t{slots[k]} * stride;
+                if (!fits(frames[k], lengths[k], iface.mtu)) {
+                    throw SendError(SendError::Kind::TooLong,
+                                    "frame " + std::to_string(first + k) + " is " + std::to_string(lengths[k]) +
+                                        " bytes, more than " + options.interface + " takes (MTU " +
+                                        std::to_string(iface.mtu) + " and a 14-byte header)");
+                }
+                const std::uint64_t at =
+                    options.rate > 0 ? static_cast<std::uint64_t>(static_cast<long double>(first + k) * interval)
+                                     : times[k];
+                due[k] = at;  // from the start, before stalls
+            }
+            std::size_t k = 0;
+            while (k < n) {
+                std::size_t m = n;
+                if (paced) {
+                    if (options.durationNs != ~std::uint64_t{0} && due[k] >= options.durationNs) {
+                        ended = true;
+                        break;
+                    }
+                    const std::uint64_t when = start + shift + due[k];
+                    std::uint64_t now = now_ns();
+                    if (when > now) {
+                        wait_until(when);
+                        now = now_ns();
+                        burst = 0;
+                    } else if (burst >= maxBurst) {
+                        // Behind by more than a burst: the schedule moves on to now.
+                        shift += now - when;
+                        ++counts.stalls;
+                        burst = 0;
+                        continue;
+                    }
+                    lateness.Add(now - std::min(now, when));
+                    // With it, the frames already due, up to the burst's end.
+                    m = k + 1;
+                    while (m < n && start + shift + due[m] <= now && burst + (m - k) < maxBurst &&
+                           (options.durationNs == ~std::uint64_t{0} || due[m] < options.durationNs)) {
+                        lateness.Add(now - (start + shift + due[m]));
+                        ++m;
+                    }
+                    burst += m - k;
+                } else if (options.durationNs != ~std::uint64_t{0} && now_ns() - std::min(now_ns(), start) >= options.durationNs) {
+                    ended = true;
+                    break;
+                }
+                const std::size_t took = sender.Send(frames.data() + k, lengths.data() + k, m - k, counts.retries, options.stop);
+                counts.frames += took;
+                for (std::size_t i = k; i < k + took; ++i) counts.bytes += lengths[i];
+                if (took < m - k) {
+                    ended = true;  // stopped
+                    break;
+                }
+                k = m;
+            }
+            first += n;
+            const std::uint64_t now = now_ns();
+            if (options.progress && now >= nextReport) {
+                nextReport = now + kProgressNs;
+                finish();
+                options.progress(counts);
+            }
+        }
+    } catch (const SendError&) {
+        finish();
+        if (options.progress) options.progress(counts);
+        throw;
+    }
+    finish();
+    return counts;
+}
+
+}  // namespace vrm::traffic
