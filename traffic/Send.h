@@ -2,10 +2,11 @@
 // fast as the interface takes them), with counts the kernel confirms.
 //
 // Frames are made in batches straight into the sender's own buffers (StampSlots) and handed to
-// the kernel in one call a batch: sendmmsg on a packet socket that bypasses the queueing
-// discipline. A frame counts as sent once that call reports it taken; a batch the kernel takes
-// in part is offered again from the first frame it did not take (a retry), so --count frames
-// leave exactly.
+// the kernel a batch at a time: through an AF_XDP socket (its UMEM frames, no XDP program
+// loaded), or sendmmsg on a packet socket that bypasses the queueing discipline. A frame
+// counts as sent once the kernel confirms it (an AF_XDP completion of a frame the interface did
+// not drop; sendmmsg's count); what it refuses or drops is offered again (a retry), so count
+// frames leave exactly.
 //
 // Pacing: frame k is due at start + times[k] (the source's schedule, or k / rate). The sender
 // sleeps until shortly before a frame is due, then spins; frames already due go together.
@@ -59,7 +60,7 @@ struct SendCounts {
     // Lateness of frames behind their times, nanoseconds (paced sending only).
     std::uint64_t lateP50 = 0, lateP99 = 0, lateMax = 0;
     InterfaceCounters before, after;  // the interface's counters at the start and now
-    std::string sender;               // how the frames were sent ("packet (sendmmsg, qdisc bypass)")
+    std::string sender;               // how the frames were sent ("xdp (copy)", "packet (sendmmsg, qdisc bypass)")
 };
 
 struct SendOptions {
@@ -70,6 +71,9 @@ struct SendOptions {
     double rate = 0;
     // Send as fast as the interface takes the frames (no times at all).
     bool topSpeed = false;
+    // How frames go: Auto takes AF_XDP where it opens, else the packet socket.
+    enum class Tx { Auto, Xdp, Packet };
+    Tx tx = Tx::Auto;
     std::uint32_t maxBurst = 256;  // frames at once when behind, at most
     bool force = false;            // send on an interface that is down or has no carrier
     // Called about once a second with the counts so far, and with the last counts before a

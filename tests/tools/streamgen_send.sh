@@ -93,7 +93,8 @@ capture() {
     inB tshark -n -i vs1 -c "$1" -w "$2" >cap.out 2>cap.err &
     CAPTURE=$!
     for _ in $(seq 100); do
-        grep -q "Capture started" cap.err 2>/dev/null && return 0
+        # (tshark says so a moment before its first packet can arrive)
+        grep -q "Capture started" cap.err 2>/dev/null && sleep 0.5 && return 0
         sleep 0.1
     done
     fail "tshark did not start: $(cat cap.err)"
@@ -107,32 +108,39 @@ wait_capture() {
     wait "$CAPTURE" 2>/dev/null
 }
 
-# What arrives is byte for byte what streamgen frames and port write, for a block and a port.
+# What arrives is byte for byte what streamgen frames and port write, for a block and a port,
+# through AF_XDP and through the packet socket.
 case_bytes() {
+    local tx
     "$SG" frames "$EX/ipv4-random-prbs.json" --count 300 -o ref-block.pcap 2>/dev/null || fail "frames failed"
-    capture 300 got-block.pcapng
-    send 0 "$EX/ipv4-random-prbs.json" -i vs0 --count 300 && has err.txt "sent 300 frames"
-    wait_capture
-    same_frames got-block.pcapng ref-block.pcap
     "$SG" port "$EX/ports/two-blocks.json" --count 2000 -o ref-port.pcap 2>/dev/null || fail "port failed"
-    capture 2000 got-port.pcapng
-    send 0 "$EX/ports/two-blocks.json" -i vs0 --count 2000 --rate 200000 && has err.txt "sent 2000 frames"
-    wait_capture
-    same_frames got-port.pcapng ref-port.pcap
+    for tx in xdp packet; do
+        capture 300 got-block.pcapng
+        send 0 "$EX/ipv4-random-prbs.json" -i vs0 --count 300 --tx "$tx" && has err.txt "sent 300 frames"
+        wait_capture
+        same_frames got-block.pcapng ref-block.pcap
+        capture 2000 got-port.pcapng
+        send 0 "$EX/ports/two-blocks.json" -i vs0 --count 2000 --rate 200000 --tx "$tx" && has err.txt "sent 2000 frames"
+        wait_capture
+        same_frames got-port.pcapng ref-port.pcap
+    done
 }
 
 # The count sent is exact, and it is what the interfaces count: the sender's tx_packets and
-# the peer's rx_packets, as fast as it goes and paced.
+# the peer's rx_packets, as fast as it goes and paced, through either way of sending.
 case_counts() {
-    local rate tx0 rx0 sent
-    for rate in max 50000; do
-        tx0=$(counter "$A" vs0 tx_packets)
-        rx0=$(counter "$B" vs1 rx_packets)
-        send 0 "$EX/ipv4-udp.json" -i vs0 --count 20011 --rate "$rate" --json || continue
-        sent=$(tail -1 err.txt | python3 -c 'import json, sys; print(json.load(sys.stdin)["frames"])')
-        [ "$sent" = 20011 ] || fail "--rate $rate: sent $sent frames, not 20011"
-        [ $(($(counter "$A" vs0 tx_packets) - tx0)) -eq 20011 ] || fail "--rate $rate: tx_packets moved otherwise"
-        [ $(($(counter "$B" vs1 rx_packets) - rx0)) -eq 20011 ] || fail "--rate $rate: rx_packets moved otherwise"
+    local rate tx tx0 rx0 sent
+    for tx in xdp packet; do
+        for rate in max 50000; do
+            tx0=$(counter "$A" vs0 tx_packets)
+            rx0=$(counter "$B" vs1 rx_packets)
+            send 0 "$EX/ipv4-udp.json" -i vs0 --count 20011 --rate "$rate" --tx "$tx" --json || continue
+            has err.txt "\"sender\":\"$tx"
+            sent=$(tail -1 err.txt | python3 -c 'import json, sys; print(json.load(sys.stdin)["frames"])')
+            [ "$sent" = 20011 ] || fail "--tx $tx --rate $rate: sent $sent frames, not 20011"
+            [ $(($(counter "$A" vs0 tx_packets) - tx0)) -eq 20011 ] || fail "--tx $tx --rate $rate: tx_packets moved otherwise"
+            [ $(($(counter "$B" vs1 rx_packets) - rx0)) -eq 20011 ] || fail "--tx $tx --rate $rate: rx_packets moved otherwise"
+        done
     done
     # A port stops at its own end (two-blocks: 100,000 frames), and --duration on the schedule.
     tx0=$(counter "$A" vs0 tx_packets)
@@ -155,7 +163,11 @@ case_errors() {
     timeout 60 ip netns exec "$A" setpriv --reuid=65534 --regid=65534 --clear-groups --inh-caps=-all \
         "$SG" send "$EX/ipv4-udp.json" -i vs0 --count 1 >out.txt 2>err.txt
     [ $? -eq 3 ] || fail "without CAP_NET_RAW: not exit 3: $(cat err.txt)"
-    has err.txt "needs CAP_NET_RAW"
+    has err.txt "a packet socket needs CAP_NET_RAW"
+    timeout 60 ip netns exec "$A" setpriv --reuid=65534 --regid=65534 --clear-groups --inh-caps=-all \
+        "$SG" send "$EX/ipv4-udp.json" -i vs0 --count 1 --tx xdp >out.txt 2>err.txt
+    [ $? -eq 3 ] || fail "AF_XDP without capabilities: not exit 3: $(cat err.txt)"
+    has err.txt "through AF_XDP: it needs CAP_NET_RAW"
     send 2 "$EX/ipv4-udp.json" -i vs0 --rate fast && has err.txt "--rate: expected frames per second"
     # Interrupted: stops, drains and prints the final counts, status 130.
     # (A script's background job starts with SIGINT ignored; the default is put back for it.)

@@ -382,7 +382,7 @@ int cmd_send(const std::string& file, const std::string& requests, const SendArg
             throw InputError("--rate", "expected frames per second (above 0, at most 1e10) or max, got " + a.rate);
         }
     }
-    if (a.tx == "xdp") throw Exit{kCannotSend, "--tx xdp: this build sends through packet sockets only"};
+    o.tx = a.tx == "xdp" ? SendOptions::Tx::Xdp : a.tx == "packet" ? SendOptions::Tx::Packet : SendOptions::Tx::Auto;
     ShapeOptions shape;
     shape.checksums = a.checksums;
     std::unique_ptr<FrameSource> source;
@@ -658,7 +658,8 @@ int main(int argc, char** argv) {
     send->add_option("--rate", sendArgs.rate,
                      "Frames per second instead of the port's times, or max: as fast as the interface takes them "
                      "(a block alone: max unless given)");
-    send->add_option("--tx", sendArgs.tx, "auto (default) or packet: packet socket with sendmmsg")
+    send->add_option("--tx", sendArgs.tx,
+                     "auto (default: AF_XDP where it opens, else a packet socket), xdp or packet (sendmmsg)")
         ->check(CLI::IsMember({"auto", "packet", "xdp"}));
     send->add_option("--max-burst", sendArgs.maxBurst, "Frames sent back to back when behind, at most (default 256)")
         ->check(CLI::Range(1u, 1000000u));
