@@ -517,8 +517,13 @@ SendCounts send_frames(const FrameSource& source, const SendOptions& options) {
     std::uint64_t shift = 0;                         // how far stalls moved the schedule on
     std::uint64_t burst = 0;                         // frames sent back to back while behind
     std::uint64_t nextReport = start + kProgressNs;
+    // Times of the first and the last hand-over, and the frames handed over before the last.
+    std::uint64_t firstSent = 0, lastSent = 0, beforeLast = 0, handedOver = 0;
     auto finish = [&] {
         counts.seconds = static_cast<double>(now_ns() - std::min(now_ns(), start)) / 1e9;
+        if (lastSent > firstSent) {
+            counts.meanRate = static_cast<double>(beforeLast) * 1e9 / static_cast<double>(lastSent - firstSent);
+        }
         counts.lateP50 = lateness.Quantile(0.50);
         counts.lateP99 = lateness.Quantile(0.99);
         counts.lateMax = lateness.Max();
@@ -579,11 +584,17 @@ SendCounts send_frames(const FrameSource& source, const SendOptions& options) {
                         ++m;
                     }
                     burst += m - k;
+                    counts.longestBurst = std::max(counts.longestBurst, burst);
                 } else if (options.durationNs != ~std::uint64_t{0} && now_ns() - std::min(now_ns(), start) >= options.durationNs) {
                     ended = true;
                     break;
                 }
+                const std::uint64_t handed = now_ns();
+                if (firstSent == 0) firstSent = handed;
                 const std::size_t took = sender.Send(frames.data() + k, lengths.data() + k, m - k, counts, options.stop);
+                lastSent = handed;
+                beforeLast = handedOver;
+                handedOver += took;
                 if (took < m - k) {
                     ended = true;  // stopped
                     break;

@@ -57,6 +57,9 @@ struct SendCounts {
     std::uint64_t retries = 0;  // calls the kernel refused or took in part (ENOBUFS, EAGAIN)
     std::uint64_t stalls = 0;   // times the schedule was moved on after falling behind
     double seconds = 0;         // since the first frame was due
+    // Frames per second between the first frame handed over and the last (0 below 2 frames).
+    double meanRate = 0;
+    std::uint64_t longestBurst = 0;  // frames handed over back to back without waiting, at most
     // Lateness of frames behind their times, nanoseconds (paced sending only).
     std::uint64_t lateP50 = 0, lateP99 = 0, lateMax = 0;
     InterfaceCounters before, after;  // the interface's counters at the start and now

@@ -344,6 +344,8 @@ void print_counts(const SendCounts& c, bool json, bool last) {
         j["pps"] = pps;
         j["l1_bps"] = l1;
         j["l2_bps"] = l2;
+        j["mean_pps"] = c.meanRate;
+        j["longest_burst"] = c.longestBurst;
         j["retries"] = c.retries;
         j["stalls"] = c.stalls;
         j["late_ns"] = {{"p50", c.lateP50}, {"p99", c.lateP99}, {"max", c.lateMax}};
