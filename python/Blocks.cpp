@@ -5,6 +5,8 @@
 #include <pybind11/stl.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <memory>
@@ -149,6 +151,88 @@ py::dict summary_dict(const vrm::traffic::CaptureSummary& s) {
     d["frames"] = s.frames;
     d["bytes"] = s.bytes;
     d["seconds"] = s.seconds;
+    return d;
+}
+
+vrm::traffic::SendOptions send_options(const std::string& interface, const py::object& count,
+                                       const py::object& duration, const py::object& rate, const std::string& tx,
+                                       std::uint32_t maxBurst, bool force) {
+    vrm::traffic::SendOptions o;
+    o.interface = interface;
+    if (!count.is_none()) {
+        if (!PyLong_Check(count.ptr())) throw py::type_error("count: expected an int or None");
+        const auto n = count.cast<long long>();
+        if (n < 0) throw py::value_error("count: expected 0 or more");
+        o.count = static_cast<std::uint64_t>(n);
+    }
+    if (!duration.is_none()) {
+        const double s = duration.cast<double>();
+        if (!(s > 0) || s > 1.8e10) throw py::value_error("duration: expected seconds above 0, at most 1.8e10");
+        o.durationNs = static_cast<std::uint64_t>(s * 1e9 + 0.5);
+    }
+    if (py::isinstance<py::str>(rate)) {
+        if (rate.cast<std::string>() != "max") throw py::value_error("rate: expected frames per second, 'max' or None");
+        o.topSpeed = true;
+    } else if (!rate.is_none()) {
+        o.rate = rate.cast<double>();
+        if (!(o.rate > 0) || o.rate > 1e10) throw py::value_error("rate: expected frames per second above 0, at most 1e10");
+    }
+    if (tx == "xdp") {
+        o.tx = vrm::traffic::SendOptions::Tx::Xdp;
+    } else if (tx == "packet") {
+        o.tx = vrm::traffic::SendOptions::Tx::Packet;
+    } else if (tx != "auto") {
+        throw py::value_error("tx: expected 'auto', 'xdp' or 'packet', got '" + tx + "'");
+    }
+    if (maxBurst == 0) throw py::value_error("max_burst: expected at least 1");
+    o.maxBurst = maxBurst;
+    o.force = force;
+    return o;
+}
+
+py::dict send_source(const vrm::traffic::FrameSource& source, vrm::traffic::SendOptions options) {
+    using vrm::traffic::SendError;
+    std::atomic<bool> stop{false};
+    bool interrupted = false;
+    options.stop = &stop;
+    // Once a second, the interpreter's signals: Ctrl-C stops the sending.
+    options.progress = [&](const vrm::traffic::SendCounts&) {
+        py::gil_scoped_acquire gil;
+        if (PyErr_CheckSignals() != 0) {
+            PyErr_Clear();
+            interrupted = true;
+            stop.store(true);
+        }
+    };
+    vrm::traffic::SendCounts c;
+    try {
+        py::gil_scoped_release release;
+        c = vrm::traffic::send_frames(source, options);
+    } catch (const SendError& e) {
+        if (e.kind() == SendError::Kind::TooLong) throw py::value_error(e.what());
+        const int code = e.kind() == SendError::Kind::Permission    ? EPERM
+                         : e.kind() == SendError::Kind::NoInterface ? ENODEV
+                         : e.kind() == SendError::Kind::System      ? EIO
+                                                                    : ENETDOWN;
+        PyErr_SetObject(code == EPERM ? PyExc_PermissionError : PyExc_OSError,
+                        py::make_tuple(code, e.what()).ptr());
+        throw py::error_already_set();
+    }
+    if (interrupted) {
+        PyErr_SetNone(PyExc_KeyboardInterrupt);
+        throw py::error_already_set();
+    }
+    py::dict d;
+    d["frames"] = c.frames;
+    d["bytes"] = c.bytes;
+    d["seconds"] = c.seconds;
+    d["mean_pps"] = c.meanRate;
+    d["retries"] = c.retries;
+    d["stalls"] = c.stalls;
+    d["late_ns"] = py::dict(py::arg("p50") = c.lateP50, py::arg("p99") = c.lateP99, py::arg("max") = c.lateMax);
+    d["longest_burst"] = c.longestBurst;
+    d["interface_tx_packets"] = py::make_tuple(c.before.txPackets, c.after.txPackets);
+    d["sender"] = c.sender;
     return d;
 }
 
@@ -301,6 +385,19 @@ py::dict write_pcap(const Block& b, const py::object& pathArg, const py::object&
         raise_os_error(e, pathArg);
     }
     return summary_dict(s);
+}
+
+// The block's frames on an interface; a block alone has no rate: as fast as it goes unless given.
+py::dict send(const Block& b, const std::string& interface, const py::object& count, const py::object& duration,
+              const py::object& rate, const std::string& tx, std::uint32_t maxBurst, bool force) {
+    vrm::traffic::SendOptions o = send_options(interface, count, duration, rate, tx, maxBurst, force);
+    if (count.is_none() && b.in.frames) o.count = *b.in.frames;
+    if (o.rate == 0) o.topSpeed = true;
+    b.require_valid();
+    if (b.in.frame.empty()) throw vrm::traffic::InputError("baseStream.frame.data", "the frame template is empty");
+    b.mods->PlaceFields(b.in);
+    const vrm::traffic::FrameShaper shaper(b.in, b.mods->MakePlan(b.in), *b.mods);
+    return send_source(shaper, o);
 }
 
 // The block in the file at `path` (str or os.PathLike); OSError when it cannot be read.
@@ -475,6 +572,15 @@ void bind_blocks(py::module_& m) {
         .def("plan", &make_plan,
              "The frame plan. Raises ValueError for an invalid block, an empty template or a field\n"
              "the library refuses.")
+        .def("send", &send, py::arg("interface"), py::arg("count") = py::none(), py::arg("duration") = py::none(),
+             py::arg("rate") = py::none(), py::arg("tx") = "auto", py::arg("max_burst") = 256, py::arg("force") = false,
+             "Sends frames 0 .. count-1 (count: None for host.frames, else until duration) on the\n"
+             "network interface, as streamgen send does (docs/send.md): rate frames per second, or as\n"
+             "fast as the interface takes them (None or 'max'). The GIL is released while sending.\n"
+             "Returns the counts the kernel confirmed: {'frames', 'bytes', 'seconds', 'mean_pps',\n"
+             "'retries', 'stalls', 'late_ns', 'longest_burst', 'interface_tx_packets', 'sender'}.\n"
+             "OSError (PermissionError without the capability) when it cannot send, ValueError for a\n"
+             "frame longer than the interface takes; Ctrl-C stops within a second (KeyboardInterrupt).")
         .def("write_pcap", &write_pcap, py::arg("path"), py::arg("count") = py::none(), py::arg("threads") = 1,
              py::arg("checksums") = true, py::arg("format") = "pcap", py::arg("fcs") = false,
              "Writes frames 0 .. count-1 to the capture file `path` (str, bytes or os.PathLike) as\n"

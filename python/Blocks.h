@@ -8,6 +8,8 @@
 #include <system_error>
 
 #include "traffic/Capture.h"
+#include "traffic/FrameSource.h"
+#include "traffic/Send.h"
 
 namespace vrmpy {
 
@@ -27,5 +29,16 @@ std::string path_bytes(const pybind11::object& path);
 vrm::traffic::CaptureOptions capture_options(const std::string& format, unsigned threads, bool fcs);
 // {'frames', 'bytes', 'seconds'}
 pybind11::dict summary_dict(const vrm::traffic::CaptureSummary& s);
+
+// Send options from a send call's arguments (count None: all; duration None: no limit; rate
+// None, a number of frames per second or 'max'; tx 'auto', 'xdp' or 'packet'). ValueError for
+// a bad one.
+vrm::traffic::SendOptions send_options(const std::string& interface, const pybind11::object& count,
+                                       const pybind11::object& duration, const pybind11::object& rate,
+                                       const std::string& tx, std::uint32_t maxBurst, bool force);
+// Sends with the GIL released and returns the counts as a dict; the send errors as OSError
+// (PermissionError for a missing capability) or ValueError (a frame too long). Ctrl-C stops the
+// sending within about a second and raises KeyboardInterrupt.
+pybind11::dict send_source(const vrm::traffic::FrameSource& source, vrm::traffic::SendOptions options);
 
 }  // namespace vrmpy

@@ -153,6 +153,14 @@ py::dict write(const Port& p, const py::object& path, const std::string& format,
     return summary_dict(s);
 }
 
+// The port's frames on an interface, at its times unless a rate is given.
+py::dict send(const Port& p, const std::string& interface, const py::object& count, const py::object& duration,
+              const py::object& rate, const std::string& tx, std::uint32_t maxBurst, bool force) {
+    vrm::traffic::SendOptions o = send_options(interface, count, duration, rate, tx, maxBurst, force);
+    o.count = std::min(o.count, p.port->Frames());
+    return send_source(*p.port, o);
+}
+
 }  // namespace
 
 void bind_ports(py::module_& m) {
@@ -193,6 +201,11 @@ void bind_ports(py::module_& m) {
              "transmit time in nanoseconds, the block (a position in blocks) and the frame's index\n"
              "in its block, as arrays (NumPy when present, else array.array). Any first, without\n"
              "walking there.")
+        .def("send", &send, py::arg("interface"), py::arg("count") = py::none(), py::arg("duration") = py::none(),
+             py::arg("rate") = py::none(), py::arg("tx") = "auto", py::arg("max_burst") = 256, py::arg("force") = false,
+             "Sends the port's frames on the network interface at their scheduled times (or rate\n"
+             "frames per second, or 'max'), as streamgen send does; the GIL is released. Returns the\n"
+             "counts as Block.send does, with its errors.")
         .def("write_pcap", &write, py::arg("path"), py::arg("format") = "pcap-ns", py::arg("threads") = 1,
              py::arg("checksums") = true, py::arg("fcs") = false,
              "Writes the port's frames with their scheduled times (pcap-ns, pcapng or pcap), as\n"

@@ -106,6 +106,12 @@ class Block:
         writes them; format 'pcap', 'pcap-ns' or 'pcapng', fcs=True appends the frame
         check sequence. IndexError for a count beyond 2**32, ValueError for a negative one,
         OSError (FileNotFoundError, ...) when the file cannot be written."""
+    def send(self, interface: str, count: Optional[int] = None, duration: Optional[float] = None,
+             rate: Union[float, str, None] = None, tx: str = "auto", max_burst: int = 256,
+             force: bool = False) -> Dict[str, Any]:
+        """Frames on a network interface, as streamgen send sends them (GIL released);
+        the counts the kernel confirmed. OSError (PermissionError) when it cannot send,
+        ValueError for a frame too long, KeyboardInterrupt on Ctrl-C."""
 
 class Port:
     """A port: common configuration, stream blocks, load profiles and bindings, and the frames
@@ -134,6 +140,10 @@ class Port:
                    checksums: bool = True, fcs: bool = False) -> PcapSummary: ...
     def write_pcapng(self, path: _Path, threads: int = 1, checksums: bool = True,
                      fcs: bool = False) -> PcapSummary: ...
+    def send(self, interface: str, count: Optional[int] = None, duration: Optional[float] = None,
+             rate: Union[float, str, None] = None, tx: str = "auto", max_burst: int = 256,
+             force: bool = False) -> Dict[str, Any]:
+        """The port's frames on a network interface at their times (or rate), as Block.send."""
 
 def request(module: str, method: str, /, **members: Any) -> bytes:
     """The wire bytes of a request; members by their wire names (records as dicts, enums as

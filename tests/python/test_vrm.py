@@ -248,6 +248,64 @@ class Ports(unittest.TestCase):
             vrm.Port.from_json(PORT, count=5).write_pcap(os.path.join(self.tmp.name, "no", "x.pcap"))
 
 
+class Send(unittest.TestCase):
+    """Block.send and Port.send on a veth pair between two namespaces the test makes (root)."""
+
+    def setUp(self):
+        self.a, self.b = "vrmpyA%d" % os.getpid(), "vrmpyB%d" % os.getpid()
+        if subprocess.run(["ip", "netns", "add", self.a], capture_output=True).returncode != 0:
+            self.skipTest("network namespaces cannot be made here (needs root)")
+        self.addCleanup(subprocess.run, ["ip", "netns", "del", self.a], capture_output=True)
+        subprocess.run(["ip", "netns", "add", self.b], check=True)
+        self.addCleanup(subprocess.run, ["ip", "netns", "del", self.b], capture_output=True)
+        for cmd in (["ip", "link", "add", "vp0", "netns", self.a, "type", "veth", "peer", "name", "vp1", "netns", self.b],
+                    ["ip", "-n", self.a, "addr", "add", "192.0.2.1/24", "dev", "vp0"],
+                    ["ip", "-n", self.b, "addr", "add", "192.0.2.2/24", "dev", "vp1"],
+                    ["ip", "netns", "exec", self.a, "sysctl", "-qw", "net.ipv6.conf.all.disable_ipv6=1"],
+                    ["ip", "netns", "exec", self.b, "sysctl", "-qw", "net.ipv6.conf.all.disable_ipv6=1"],
+                    ["ip", "-n", self.a, "link", "set", "vp0", "up"],
+                    ["ip", "-n", self.b, "link", "set", "vp1", "up"]):
+            subprocess.run(cmd, check=True)
+
+    def rx(self):
+        return int(subprocess.run(["ip", "netns", "exec", self.b, "cat", "/sys/class/net/vp1/statistics/rx_packets"],
+                                  capture_output=True, text=True, check=True).stdout)
+
+    def in_a(self, code):
+        env = dict(os.environ, PYTHONPATH=os.pathsep.join(sys.path))
+        r = subprocess.run(["ip", "netns", "exec", self.a, sys.executable, "-c", code], capture_output=True,
+                           text=True, env=env, timeout=60)
+        return r.returncode, r.stdout, r.stderr
+
+    def test_counts_are_what_arrives(self):
+        # (source, call, frames): a block as fast as it goes, a port at a rate.
+        rows = [("vrm.Block.from_json(%r)" % IPV4, "send('vp0', count=3001, tx='packet')", 3001),
+                ("vrm.Block.from_json(%r)" % IPV4, "send('vp0', count=2002, rate=100000)", 2002),
+                ("vrm.Port.from_json(%r)" % PORT, "send('vp0', count=1003, rate='max')", 1003)]
+        for source, call, frames in rows:
+            with self.subTest(call=call):
+                before = self.rx()
+                code, out, err = self.in_a("import json, vrm; print(json.dumps(%s.%s))" % (source, call))
+                self.assertEqual(code, 0, err)
+                counts = json.loads(out)
+                self.assertEqual(counts["frames"], frames)
+                self.assertEqual(self.rx() - before, frames)
+                after, start = counts["interface_tx_packets"][1], counts["interface_tx_packets"][0]
+                self.assertEqual(after - start, frames)
+
+    def test_errors(self):
+        rows = [("send('nosuch0', count=1)", "OSError", "no interface named nosuch0"),
+                ("send('vp0', rate=-1)", "ValueError", "rate: expected"),
+                ("send('vp0', tx='carrier-pigeon')", "ValueError", "tx: expected")]
+        for call, kind, text in rows:
+            with self.subTest(call=call):
+                code, out, err = self.in_a(
+                    "import vrm\ntry:\n    vrm.Block.from_json(%r).%s\nexcept Exception as e:\n    print(type(e).__name__, e)" % (IPV4, call))
+                self.assertEqual(code, 0, err)
+                self.assertIn(kind, out.split()[0] if out else "")
+                self.assertIn(text, out)
+
+
 class Messages(unittest.TestCase):
     def test_set_stream_block_equals_the_request_built_in_cpp(self):
         with tempfile.TemporaryDirectory() as tmp:
