@@ -22,6 +22,8 @@
 #include <memory>
 #include <vector>
 
+#include "traffic/Histogram.h"
+
 namespace vrm::traffic {
 
 namespace {
@@ -58,47 +60,6 @@ bool read_number(const std::string& path, std::uint64_t& value) {
     std::ifstream in(path);
     return static_cast<bool>(in >> value);
 }
-
-// Lateness in buckets of 1/16 of a power of two of nanoseconds: percentiles within 6%, in a
-// fixed array.
-class Lateness {
-  public:
-    void Add(std::uint64_t ns) {
-        m_max = std::max(m_max, ns);
-        ++m_counts[Bucket(ns)];
-        ++m_total;
-    }
-    std::uint64_t Max() const { return m_max; }
-    // The upper end of the bucket that holds the q-th quantile.
-    std::uint64_t Quantile(double q) const {
-        if (m_total == 0) return 0;
-        const auto rank = static_cast<std::uint64_t>(q * static_cast<double>(m_total - 1)) + 1;
-        std::uint64_t seen = 0;
-        for (std::size_t b = 0; b < m_counts.size(); ++b) {
-            seen += m_counts[b];
-            if (seen >= rank) return std::min(Upper(b), m_max);
-        }
-        return m_max;
-    }
-
-  private:
-    static std::size_t Bucket(std::uint64_t ns) {
-        if (ns < 16) return static_cast<std::size_t>(ns);
-        unsigned top = 63;
-        while ((ns >> top) == 0) --top;
-        return static_cast<std::size_t>((top - 3) * 16 + ((ns >> (top - 4)) & 15));
-    }
-    static std::uint64_t Upper(std::size_t b) {
-        if (b < 16) return b;
-        const unsigned top = static_cast<unsigned>(b / 16) + 3;
-        const std::uint64_t sub = b % 16;
-        const std::uint64_t low = (std::uint64_t{1} << top) + (sub << (top - 4));
-        return low + (std::uint64_t{1} << (top - 4)) - 1;
-    }
-    std::array<std::uint64_t, 64 * 16> m_counts{};
-    std::uint64_t m_total = 0;
-    std::uint64_t m_max = 0;
-};
 
 // What the interface is and takes.
 struct Interface {
@@ -510,7 +471,7 @@ SendCounts send_frames(const FrameSource& source, const SendOptions& options) {
     const bool paced = !options.topSpeed;
     const double interval = options.rate > 0 ? 1e9 / options.rate : 0;
     const std::uint32_t maxBurst = std::max<std::uint32_t>(1, options.maxBurst);
-    Lateness lateness;
+    Histogram lateness;
     TimerSlack slack;
 
     const std::uint64_t start = now_ns() + 100000;  // the first frame 100 µs from now

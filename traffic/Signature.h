@@ -1,13 +1,13 @@
 // The signature a shaped frame carries at the end of its payload, so that a receiver can tell
-// streams, order and delay without knowing the block that sent it. 26 bytes, big-endian:
+// streams, order and delay without knowing the block that sent it. 18 bytes, big-endian:
 //
 //   offset  size  field
-//        0     4  magic 0x5E 0xC7 0xA9 0x1D
-//        4     4  block: the block record's blockID
-//        8     4  stream: the stream within the block (0 when no modifier defines streams)
-//       12     4  sequence: the frame's number within its stream, from 0 (wraps at 2^32)
-//       16     8  transmit time: nanoseconds since the epoch of the frame's scheduled time
-//       24     2  CRC-16/CCITT-FALSE of bytes 0..23
+//        0     2  magic 0x5E 0xC7
+//        2     2  block: the block record's blockID (its low 16 bits)
+//        4     2  stream: the stream within the block (0 when no modifier defines streams)
+//        6     4  sequence: the frame's number within its stream, from 0 (wraps at 2^32)
+//       10     6  transmit time: nanoseconds of the frame's scheduled time, modulo 2^48
+//       16     2  CRC-16/CCITT-FALSE of bytes 0..15
 #pragma once
 
 #include <cstddef>

@@ -591,6 +591,29 @@ block 2 ipv6-bursts 0x86dd" ] || fail "port: pcapng block names: $(cat names.txt
     run 2 port "$EX/ports/two-blocks.json" --requests port.req -o c.pcap
 }
 
+case_analyze() {
+    # A port's capture: every stream complete, on time; as a table, as JSON, from standard input.
+    "$SG" port "$EX/ports/two-blocks.json" --count 20000 -o p.pcapng --format pcapng 2>/dev/null || fail "port failed"
+    run 0 analyze p.pcapng && has err.txt "20000 frames, " && has err.txt "0 without a signature"
+    has out.txt "lost"
+    run 0 analyze - --json <p.pcapng || return
+    python3 - out.txt <<'PY' || fail "analyze --json: $(head -c 300 out.txt)"
+import json, sys
+d = json.load(open(sys.argv[1]))
+assert d["frames"] == 20000 and d["unsigned"] == 0, d
+assert sum(s["frames"] for s in d["streams"]) == 20000
+assert all(s["lost"] == s["duplicates"] == s["out_of_order"] == 0 for s in d["streams"])
+assert all(s["latency_max_ns"] == 0 for s in d["streams"])
+assert {s["block"] for s in d["streams"]} == {1, 2}
+PY
+    # Frames without signatures are counted as such.
+    "$SG" frames "$EX/ipv4-udp.json" --count 10 -o plain.pcap 2>/dev/null
+    run 0 analyze plain.pcap && has err.txt "10 frames, 0 stream(s), 10 without a signature"
+    printf 'this is not a capture file, not at all' >bad.cap
+    run 2 analyze bad.cap && has err.txt "capture: neither pcap nor pcapng"
+    run 2 analyze nosuch.pcap && has err.txt "nosuch.pcap"
+}
+
 "case_$CASE"
 if [ "$failures" -ne 0 ]; then
     echo "$CASE: $failures failure(s)" >&2

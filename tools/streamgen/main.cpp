@@ -41,6 +41,8 @@
 #include "traffic/Capture.h"
 #include "traffic/FrameShaper.h"
 #include "traffic/Send.h"
+#include "traffic/Analyzer.h"
+#include "traffic/CaptureReader.h"
 
 namespace {
 
@@ -426,6 +428,59 @@ int cmd_send(const std::string& file, const std::string& requests, const SendArg
     return o.stop->load() ? kInterrupted : kOk;
 }
 
+// --- analyze -----------------------------------------------------------------------------------
+
+int cmd_analyze(const std::string& file, bool json) {
+    std::unique_ptr<CaptureReader> reader;
+    try {
+        reader = std::make_unique<CaptureReader>(file);
+    } catch (const std::system_error& e) {
+        throw Exit{kBadInput, e.what() + std::string()};
+    }
+    Analyzer analyzer(reader->Fcs());
+    const unsigned char* data = nullptr;
+    std::size_t length = 0;
+    std::uint64_t ns = 0;
+    const auto started = std::chrono::steady_clock::now();
+    while (reader->Next(data, length, ns)) analyzer.Add(data, length, ns);
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+    const std::vector<StreamReport> streams = analyzer.Report();
+    if (json) {
+        nlohmann::ordered_json j;
+        j["frames"] = analyzer.Frames();
+        j["unsigned"] = analyzer.Unsigned();
+        j["bad_signatures"] = analyzer.BadSignatures();
+        j["streams"] = nlohmann::ordered_json::array();
+        for (const auto& r : streams) {
+            j["streams"].push_back({{"block", r.block}, {"stream", r.stream}, {"frames", r.frames}, {"bytes", r.bytes},
+                                    {"first_ns", r.firstNs}, {"last_ns", r.lastNs}, {"rate", r.rate},
+                                    {"lost", r.lost}, {"duplicates", r.duplicates}, {"out_of_order", r.outOfOrder},
+                                    {"max_reorder", r.maxReorder}, {"latency_min_ns", r.latencyMin},
+                                    {"latency_mean_ns", r.latencyMean}, {"latency_p50_ns", r.latencyP50},
+                                    {"latency_p99_ns", r.latencyP99}, {"latency_p999_ns", r.latencyP999},
+                                    {"latency_max_ns", r.latencyMax}});
+        }
+        std::cout << j.dump() << '\n';
+    } else {
+        std::printf("%6s %6s %10s %12s %12s %8s %6s %6s %7s %11s %11s %11s %11s\n", "block", "stream", "frames",
+                    "bytes", "frames/s", "lost", "dup", "order", "reorder", "lat min us", "lat mean", "lat p99",
+                    "lat max");
+        for (const auto& r : streams) {
+            std::printf("%6u %6u %10llu %12llu %12.1f %8llu %6llu %6llu %7llu %11.3f %11.3f %11.3f %11.3f\n", r.block,
+                        r.stream, static_cast<unsigned long long>(r.frames), static_cast<unsigned long long>(r.bytes),
+                        r.rate, static_cast<unsigned long long>(r.lost), static_cast<unsigned long long>(r.duplicates),
+                        static_cast<unsigned long long>(r.outOfOrder), static_cast<unsigned long long>(r.maxReorder),
+                        static_cast<double>(r.latencyMin) / 1e3, r.latencyMean / 1e3,
+                        static_cast<double>(r.latencyP99) / 1e3, static_cast<double>(r.latencyMax) / 1e3);
+        }
+    }
+    std::fprintf(stderr, "%llu frames, %zu stream(s), %llu without a signature (%llu with a wrong CRC) in %.3f s\n",
+                 static_cast<unsigned long long>(analyzer.Frames()), streams.size(),
+                 static_cast<unsigned long long>(analyzer.Unsigned()),
+                 static_cast<unsigned long long>(analyzer.BadSignatures()), seconds);
+    return kOk;
+}
+
 int cmd_requests(const std::string& file, const std::string& out) {
     if (same_file(file, out)) throw InputError("--output", out + " is the port file itself");
     const std::vector<unsigned char> bytes = port_requests(load_port(file));
@@ -672,11 +727,18 @@ int main(int argc, char** argv) {
                  "down, no permission, a frame too long), 4 the interface failed during the run, 130 interrupted.\n"
                  "Example: streamgen send examples/ports/two-blocks.json -i veth0 --duration 5");
 
+    auto* analyze = app.add_subcommand(
+        "analyze", "Judge a capture's frames by their signatures: per stream frames, rate, loss, duplicates, order, latency");
+    analyze->add_option("CAPTURE", file, "pcap or pcapng file (- for standard input)")->required();
+    analyze->add_flag("--json", json, "One JSON object on standard output instead of the table");
+    analyze->footer("Latency is the receive time less the signature's transmit time, on the capture's clock.\n"
+                    "Example: streamgen port examples/ports/two-blocks.json -o p.pcap && streamgen analyze p.pcap");
+
     bool known = argc < 2 || argv[1][0] == '-';
     for (const CLI::App* sub : app.get_subcommands({})) known = known || sub->get_name() == argv[1];
     if (!known) {
         std::cerr << "streamgen: unknown command " << argv[1]
-                  << " (expected validate, values, frames, port, send, requests, request, decode or describe)\n";
+                  << " (expected validate, values, frames, port, send, analyze, requests, request, decode or describe)\n";
         return kBadInput;
     }
     try {
@@ -711,6 +773,7 @@ int main(int argc, char** argv) {
                                    checksums == "recompute", f, fcs));
         }
         if (requests->parsed()) return finish(cmd_requests(file, out));
+        if (analyze->parsed()) return finish(cmd_analyze(file, json));
         if (send->parsed()) {
             sendArgs.checksums = true;
             return finish(cmd_send(file, requestsFile, sendArgs, sendCount));
