@@ -15,6 +15,7 @@ namespace vrmpy {
 
 void bind_blocks(pybind11::module_& m);
 void bind_ports(pybind11::module_& m);
+void bind_analyze(pybind11::module_& m);
 
 // A frame index argument: IndexError outside frames 0 .. 2**32-1.
 std::uint64_t frame_index(const pybind11::int_& i);

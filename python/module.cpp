@@ -42,5 +42,6 @@ PYBIND11_MODULE(vrm, m) {
 
     vrmpy::bind_blocks(m);
     vrmpy::bind_ports(m);
+    vrmpy::bind_analyze(m);
     vrmpy::bind_messages(m);
 }

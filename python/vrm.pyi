@@ -4,7 +4,7 @@ response messages of the Generator_3, ifSetup_1, Stats_1 and LoadProfile_1 modul
 import array
 import mmap
 import os
-from typing import Any, Dict, List, Optional, Protocol, TypedDict, TypeVar, Union, overload
+from typing import Any, Dict, Iterable, List, Optional, Protocol, Tuple, TypedDict, TypeVar, Union, overload
 
 class _ArrayInterface(Protocol):
     """An array that exposes its memory through the buffer protocol, as a NumPy array does."""
@@ -144,6 +144,10 @@ class Port:
              rate: Union[float, str, None] = None, tx: str = "auto", max_burst: int = 256,
              force: bool = False) -> Dict[str, Any]:
         """The port's frames on a network interface at their times (or rate), as Block.send."""
+
+def analyze(source: Union[_Path, Iterable[Tuple[bytes, int]]], fcs: bool = False) -> List[Dict[str, Any]]:
+    """Per-stream frames, rate, loss, duplicates, order and latency from a capture's path or
+    from (frame bytes, receive time ns) pairs, as streamgen analyze reports them."""
 
 def request(module: str, method: str, /, **members: Any) -> bytes:
     """The wire bytes of a request; members by their wire names (records as dicts, enums as

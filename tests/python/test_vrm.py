@@ -248,6 +248,43 @@ class Ports(unittest.TestCase):
             vrm.Port.from_json(PORT, count=5).write_pcap(os.path.join(self.tmp.name, "no", "x.pcap"))
 
 
+class Analyze(unittest.TestCase):
+    def test_a_ports_capture_and_crafted_frames(self):
+        port = vrm.Port.from_json(PORT)
+        with tempfile.TemporaryDirectory() as d:
+            path = os.path.join(d, "p.pcapng")
+            port.write_pcapng(path)
+            streams = vrm.analyze(pathlib.Path(path))
+        self.assertEqual(sum(s["frames"] for s in streams), port.frames)
+        self.assertEqual({s["block"] for s in streams}, {1, 2})
+        self.assertTrue(all(s["lost"] == 0 and s["latency_max_ns"] == 0 for s in streams))
+        # Frames as pairs: the capture's own, the second stream's frame 1 dropped, one delayed.
+        frames = []
+        with tempfile.TemporaryDirectory() as d:
+            path = os.path.join(d, "p.pcap")
+            port.write_pcap(path, format="pcap-ns")
+            data = open(path, "rb").read()
+        at = 24
+        while at < len(data) and len(frames) < 3000:
+            sec, nsec, n = struct.unpack_from("<III", data, at)
+            frames.append((data[at + 16:at + 16 + n], sec * 10**9 + nsec))
+            at += 16 + n
+        first = vrm.analyze(frames)[0]
+        key = (first["block"], first["stream"])
+        ours = [k for k, (f, t) in enumerate(frames) if vrm.analyze([(f, t)])[0]["stream"] == key[1]
+                and vrm.analyze([(f, t)])[0]["block"] == key[0]]
+        changed = list(frames)
+        changed[ours[3]] = (changed[ours[3]][0], changed[ours[3]][1] + 5000)
+        del changed[ours[1]]
+        s = [r for r in vrm.analyze(changed) if (r["block"], r["stream"]) == key][0]
+        self.assertEqual((s["lost"], s["duplicates"], s["out_of_order"]), (1, 0, 0))
+        self.assertEqual(s["latency_max_ns"], 5000)
+        with self.assertRaises(TypeError):
+            vrm.analyze([b"abc"])
+        with self.assertRaises(OSError):
+            vrm.analyze("/nonexistent/capture.pcap")
+
+
 class Send(unittest.TestCase):
     """Block.send and Port.send on a veth pair between two namespaces the test makes (root)."""
 
@@ -724,7 +761,7 @@ class Docs(unittest.TestCase):
         namespace = {}
         for k, code in enumerate(blocks):
             with self.subTest(block=k, first_line=code.splitlines()[0]):
-                needs = [m for m in ("numpy", "scapy") if re.search(r"^\s*(import|from) %s\b" % m, code, re.M)]
+                needs = [m for m in ("numpy", "scapy", "matplotlib") if re.search(r"^\s*(import|from) %s\b" % m, code, re.M)]
                 missing = [m for m in needs if not have(m)]
                 if missing:
                     self.skipTest("%s is not installed" % ", ".join(missing))
