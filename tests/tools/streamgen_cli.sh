@@ -2,19 +2,8 @@
 # Command-line tests of streamgen.
 #   streamgen_cli.sh STREAMGEN EXAMPLES_DIR WORK_DIR CASE
 # Exit 0 pass, 1 fail, 77 skipped.
-set -uo pipefail
-SG=$1
-EX=$2
-WORK=$3
-CASE=$4
-rm -rf "$WORK" && mkdir -p "$WORK" || exit 1
-cd "$WORK" || exit 1
-
-failures=0
-fail() {
-    echo "FAIL: $*" >&2
-    failures=$((failures + 1))
-}
+# shellcheck source=tests/tools/harness.sh
+source "$(dirname "$0")/harness.sh" "$@"
 
 # run EXPECTED_STATUS CMD... : runs streamgen, keeps stdout in out.txt and stderr in err.txt.
 run() {
@@ -29,10 +18,6 @@ run() {
     return 0
 }
 
-# has FILE TEXT: FILE contains TEXT (fixed string).
-has() {
-    grep -qF -- "$2" "$1" || fail "$1 lacks '$2' ($(head -c 300 "$1"))"
-}
 
 GOOD_EXAMPLES=(ipv4-udp ipv6-dst vlan-table)
 # Examples whose frames vary in length, fill and signature.
@@ -614,9 +599,4 @@ PY
     run 2 analyze nosuch.pcap && has err.txt "nosuch.pcap"
 }
 
-"case_$CASE"
-if [ "$failures" -ne 0 ]; then
-    echo "$CASE: $failures failure(s)" >&2
-    exit 1
-fi
-echo "$CASE: ok"
+finish_case

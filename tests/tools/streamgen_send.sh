@@ -4,22 +4,8 @@
 # durations. Nothing is sent on the machine's own interfaces.
 #   streamgen_send.sh STREAMGEN EXAMPLES_DIR WORK_DIR CASE
 # Exit 0 pass, 1 fail, 77 skipped (no namespaces: not root, or no veth).
-set -uo pipefail
-SG=$1
-EX=$2
-WORK=$3
-CASE=$4
-rm -rf "$WORK" && mkdir -p "$WORK" || exit 1
-cd "$WORK" || exit 1
-
-failures=0
-fail() {
-    echo "FAIL: $*" >&2
-    failures=$((failures + 1))
-}
-has() {
-    grep -qF -- "$2" "$1" || fail "$1 lacks '$2' ($(head -c 300 "$1"))"
-}
+# shellcheck source=tests/tools/harness.sh
+source "$(dirname "$0")/harness.sh" "$@"
 
 # Namespaces named after this process, so that cases running at once do not meet.
 A=vrmsA$$
@@ -190,9 +176,4 @@ case_errors() {
     has err.txt " frames, "
 }
 
-"case_$CASE"
-if [ "$failures" -ne 0 ]; then
-    echo "$CASE: $failures failure(s)" >&2
-    exit 1
-fi
-echo "$CASE: ok"
+finish_case

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <csignal>
 #include <cstring>
+#include <initializer_list>
 #include <mutex>
 
 namespace streamgen {
@@ -39,36 +40,30 @@ std::atomic<bool> g_interrupted{false};
 
 extern "C" void note_interrupt(int) { g_interrupted.store(true); }
 
+// `handler` for each signal of `signals` that the parent does not ignore.
+void handle(void (*handler)(int), std::initializer_list<int> signals) {
+    for (int sig : signals) {
+        struct sigaction sa {};
+        sa.sa_handler = handler;
+        sigemptyset(&sa.sa_mask);
+        struct sigaction old {};
+        sigaction(sig, nullptr, &old);
+        if (old.sa_handler != SIG_IGN) sigaction(sig, &sa, nullptr);
+    }
+}
+
 }  // namespace
 
 const std::atomic<bool>* interrupt_flag() {
     static std::once_flag once;
-    std::call_once(once, [] {
-        for (int sig : {SIGINT, SIGTERM}) {
-            struct sigaction sa {};
-            sa.sa_handler = note_interrupt;
-            sigemptyset(&sa.sa_mask);
-            struct sigaction old {};
-            sigaction(sig, nullptr, &old);
-            if (old.sa_handler != SIG_IGN) sigaction(sig, &sa, nullptr);
-        }
-    });
+    std::call_once(once, [] { handle(note_interrupt, {SIGINT, SIGTERM}); });
     return &g_interrupted;
 }
 
 vrm::traffic::TempWatcher* signal_watcher() {
     static Watcher watcher;
     static std::once_flag once;
-    std::call_once(once, [] {
-        for (int sig : {SIGINT, SIGTERM, SIGHUP}) {
-            struct sigaction sa {};
-            sa.sa_handler = remove_pending;
-            sigemptyset(&sa.sa_mask);
-            struct sigaction old {};
-            sigaction(sig, nullptr, &old);
-            if (old.sa_handler != SIG_IGN) sigaction(sig, &sa, nullptr);
-        }
-    });
+    std::call_once(once, [] { handle(remove_pending, {SIGINT, SIGTERM, SIGHUP}); });
     return &watcher;
 }
 
