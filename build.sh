@@ -11,7 +11,7 @@ cd "$(dirname "$0")"
 packages=(build-essential cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
           nlohmann-json3-dev libcli11-dev libpcap-dev clang libclang-rt-dev tshark
           libprotobuf-dev protobuf-compiler python3-dev pybind11-dev python3-numpy
-          python3-scapy mypy libxdp-dev libbpf-dev iproute2)
+          python3-scapy mypy libxdp-dev libbpf-dev iproute2 nftables)
 
 install_missing() {
     local missing=()

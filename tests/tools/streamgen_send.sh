@@ -176,4 +176,84 @@ case_errors() {
     has err.txt " frames, "
 }
 
+# End to end: sender -> router (forwarding IPv4 and IPv6) -> receiver, each a namespace of
+# this script's. The router's nftables rule drops every 10th frame of one stream; the
+# analyzer listening on the receiver reports exactly those losses on that stream, none on the
+# others, and misses no frame the receiving interface counted.
+case_verdict() {
+    command -v nft >/dev/null || { echo "skipped: no nft (Debian: nftables)"; exit 77; }
+    local R=vrmsR$$ D=vrmsD$$
+    ip netns add "$R" && ip netns add "$D" || return
+    trap 'cleanup; ip netns del '"$R"' 2>/dev/null; ip netns del '"$D"' 2>/dev/null' EXIT
+    ip -n "$A" link del vs0
+    ip link add s0 netns "$A" type veth peer name r0 netns "$R"
+    ip link add r1 netns "$R" type veth peer name d0 netns "$D"
+    ip -n "$R" link set r0 address 00:10:94:00:00:02  # the frames' destination
+    ip -n "$R" addr add 192.0.2.254/24 dev r0
+    ip -n "$R" addr add 2001:db8:1::fe/64 dev r0 nodad
+    ip -n "$R" addr add 198.51.100.254/24 dev r1
+    ip -n "$R" addr add 2001:db8:2::fe/64 dev r1 nodad
+    ip -n "$D" addr add 198.51.100.1/24 dev d0
+    ip -n "$D" addr add 2001:db8:2::1/64 dev d0 nodad
+    ip netns exec "$R" sysctl -qw net.ipv4.ip_forward=1 net.ipv6.conf.all.forwarding=1
+    # The receiver's addresses known to the router from the start (no frame waits for ARP or ND).
+    local mac
+    mac=$(ip netns exec "$D" cat /sys/class/net/d0/address)
+    ip -n "$R" neigh add 198.51.100.1 lladdr "$mac" dev r1 nud permanent
+    ip -n "$R" neigh add 2001:db8:2::1 lladdr "$mac" dev r1 nud permanent
+    ip netns exec "$D" sysctl -qw net.ipv6.conf.all.accept_ra=0
+    for l in "$A s0" "$R r0" "$R r1" "$D d0" "$R lo" "$D lo"; do
+        set -- $l
+        ip -n "$1" link set "$2" up
+    done
+    ip netns exec "$R" nft -f - <<'NFT' || { fail "nft rules"; return; }
+table inet verdict {
+    chain forward {
+        type filter hook forward priority 0;
+        ip saddr 192.0.2.3 numgen inc mod 10 == 5 counter drop
+    }
+}
+NFT
+    # Four IPv4 streams (sources 192.0.2.1 .. .4) and an IPv6 block, 100-byte frames signed.
+    cat >verdict.json <<'JSON'
+{"blocks": [
+  {"name": "v4", "blockID": 1, "baseStream": {"enabled": true, "frame": {
+     "data": "001094000002 001094000001 0800 4500005a00000000401100 00 c0000201 c6336401 0400 1389 0046 0000 000102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f202122232425262728292a2b2c2d2e2f303132333435363738393a3b3c3d",
+     "options": {"insertSigField": true}}},
+   "rangeModifiers": [{"modIndex": 1, "offsetReference": "ipv4.src", "initialValue": "c0000201", "stepValue": "00000001",
+     "mask": "ffffffff", "recycleCount": 4, "mode": "INCREMENT", "useStream": true}]},
+  {"name": "v6", "blockID": 2, "baseStream": {"enabled": true, "frame": {
+     "data": "001094000002 001094000001 86dd 60000000002a1140 20010db8000100000000000000000001 20010db8000200000000000000000001 0400 1389 002a 0000 000102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f2021",
+     "options": {"insertSigField": true}}}}],
+ "loadProfiles": [{"loadProfileId": 1, "load": 40000000, "loadUnit": "FRAMES_PER_SECOND"},
+                  {"loadProfileId": 2, "load": 10000000, "loadUnit": "FRAMES_PER_SECOND"}],
+ "bindings": [{"streamBlockId": 1, "loadProfileId": 1}, {"streamBlockId": 2, "loadProfileId": 2}]}
+JSON
+    local rx0
+    rx0=$(counter "$D" d0 rx_packets)
+    ip netns exec "$D" "$SG" analyze -i d0 --duration 4 --json >verdict.out 2>verdict.err &
+    local listener=$!
+    for _ in $(seq 50); do grep -q "listening on d0" verdict.err && break; sleep 0.1; done
+    # 20,008 frames: 16,006 of v4 (4,002 of 192.0.2.3, which does not end on a dropped one).
+    timeout 60 ip netns exec "$A" "$SG" send verdict.json -i s0 --count 20008 >out.txt 2>err.txt ||
+        fail "send: $(cat err.txt)"
+    wait "$listener" || fail "analyze: $(cat verdict.err)"
+    local dropped
+    dropped=$(ip netns exec "$R" nft list ruleset | sed -n 's/.*counter packets \([0-9]*\).*/\1/p')
+    python3 - verdict.out "$dropped" "$(($(counter "$D" d0 rx_packets) - rx0))" <<'PY' || fail "verdict: $(cat verdict.out)"
+import json, sys
+d = json.load(open(sys.argv[1]))
+dropped, arrived = int(sys.argv[2]), int(sys.argv[3])
+streams = {(s["block"], s["stream"]): s for s in d["streams"]}
+assert dropped == 400, dropped
+assert d["frames"] == arrived, (d["frames"], arrived)
+assert sum(s["frames"] for s in streams.values()) == 20008 - dropped, d
+assert set(streams) == {(1, 0), (1, 1), (1, 2), (1, 3), (2, 0)}, streams.keys()
+for key, s in streams.items():
+    want = dropped if key == (1, 2) else 0
+    assert s["lost"] == want, (key, s)
+    assert s["duplicates"] == 0 and s["out_of_order"] == 0, (key, s)
+PY
+}
+
 finish_case

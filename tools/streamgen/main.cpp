@@ -43,6 +43,7 @@
 #include "traffic/Send.h"
 #include "traffic/Analyzer.h"
 #include "traffic/CaptureReader.h"
+#include "traffic/Receive.h"
 
 namespace {
 
@@ -430,19 +431,37 @@ int cmd_send(const std::string& file, const std::string& requests, const SendArg
 
 // --- analyze -----------------------------------------------------------------------------------
 
-int cmd_analyze(const std::string& file, bool json) {
+int cmd_analyze(const std::string& file, const std::string& interface, double duration, bool json) {
     std::unique_ptr<CaptureReader> reader;
-    try {
-        reader = std::make_unique<CaptureReader>(file);
-    } catch (const std::system_error& e) {
-        throw Exit{kBadInput, e.what() + std::string()};
+    if (interface.empty()) {
+        try {
+            reader = std::make_unique<CaptureReader>(file);
+        } catch (const std::system_error& e) {
+            throw Exit{kBadInput, e.what() + std::string()};
+        }
     }
-    Analyzer analyzer(reader->Fcs());
-    const unsigned char* data = nullptr;
-    std::size_t length = 0;
-    std::uint64_t ns = 0;
+    Analyzer analyzer(reader != nullptr && reader->Fcs());
     const auto started = std::chrono::steady_clock::now();
-    while (reader->Next(data, length, ns)) analyzer.Add(data, length, ns);
+    std::string missed;
+    if (reader != nullptr) {
+        const unsigned char* data = nullptr;
+        std::size_t length = 0;
+        std::uint64_t ns = 0;
+        while (reader->Next(data, length, ns)) analyzer.Add(data, length, ns);
+    } else {
+        ReceiveOptions o;
+        o.interface = interface;
+        if (duration > 0) o.durationNs = static_cast<uint64_t>(duration * 1e9 + 0.5);
+        o.stop = interrupt_flag();
+        o.ready = [&] { std::fprintf(stderr, "listening on %s\n", interface.c_str()); };
+        ReceiveCounts c;
+        try {
+            c = receive_frames(analyzer, o);
+        } catch (const SendError& e) {
+            throw Exit{e.kind() == SendError::Kind::System ? kSendFailed : kCannotSend, e.what()};
+        }
+        missed = ", " + std::to_string(c.drops) + " the receive ring missed";
+    }
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     const std::vector<StreamReport> streams = analyzer.Report();
     if (json) {
@@ -474,10 +493,10 @@ int cmd_analyze(const std::string& file, bool json) {
                         static_cast<double>(r.latencyP99) / 1e3, static_cast<double>(r.latencyMax) / 1e3);
         }
     }
-    std::fprintf(stderr, "%llu frames, %zu stream(s), %llu without a signature (%llu with a wrong CRC) in %.3f s\n",
+    std::fprintf(stderr, "%llu frames, %zu stream(s), %llu without a signature (%llu with a wrong CRC)%s in %.3f s\n",
                  static_cast<unsigned long long>(analyzer.Frames()), streams.size(),
                  static_cast<unsigned long long>(analyzer.Unsigned()),
-                 static_cast<unsigned long long>(analyzer.BadSignatures()), seconds);
+                 static_cast<unsigned long long>(analyzer.BadSignatures()), missed.c_str(), seconds);
     return kOk;
 }
 
@@ -728,8 +747,18 @@ int main(int argc, char** argv) {
                  "Example: streamgen send examples/ports/two-blocks.json -i veth0 --duration 5");
 
     auto* analyze = app.add_subcommand(
-        "analyze", "Judge a capture's frames by their signatures: per stream frames, rate, loss, duplicates, order, latency");
-    analyze->add_option("CAPTURE", file, "pcap or pcapng file (- for standard input)")->required();
+        "analyze",
+        "Judge a capture's or an interface's frames by their signatures: per stream frames, rate, loss, duplicates, "
+        "order, latency");
+    std::string analyzeInterface;
+    double analyzeSeconds = 0;
+    auto* analyzeFile = analyze->add_option("CAPTURE", file, "pcap or pcapng file (- for standard input)");
+    auto* analyzeLive = analyze->add_option("-i,--interface", analyzeInterface,
+                                            "Instead of CAPTURE: the frames arriving on this interface");
+    analyzeFile->excludes(analyzeLive);
+    analyze->require_option(1, 0);
+    analyze->add_option("--duration", analyzeSeconds, "With --interface: listen this many seconds (else until Ctrl-C)")
+        ->check(CLI::PositiveNumber);
     analyze->add_flag("--json", json, "One JSON object on standard output instead of the table");
     analyze->footer("Latency is the receive time less the signature's transmit time, on the capture's clock.\n"
                     "Example: streamgen port examples/ports/two-blocks.json -o p.pcap && streamgen analyze p.pcap");
@@ -773,7 +802,7 @@ int main(int argc, char** argv) {
                                    checksums == "recompute", f, fcs));
         }
         if (requests->parsed()) return finish(cmd_requests(file, out));
-        if (analyze->parsed()) return finish(cmd_analyze(file, json));
+        if (analyze->parsed()) return finish(cmd_analyze(file, analyzeInterface, analyzeSeconds, json));
         if (send->parsed()) {
             sendArgs.checksums = true;
             return finish(cmd_send(file, requestsFile, sendArgs, sendCount));
