@@ -366,7 +366,7 @@ void FrameShaper::Finish(unsigned char* f, std::uint64_t i, std::size_t length, 
         s.block = static_cast<std::uint16_t>(m_blockId);
         s.stream = static_cast<std::uint16_t>(StreamOf(i));
         s.sequence = SequenceOf(i);
-        s.txTime = txTime;
+        s.txTime = txTime + m_options.signatureEpoch;
         write_signature(s, f + length - kSignatureSize, m_badSignatureCrc);
     }
     if (m_options.checksums) {

@@ -66,6 +66,9 @@ struct ShapeOptions {
     bool checksums = true;
     // Append the 4-byte frame check sequence to every frame.
     bool fcs = false;
+    // Added to the times signatures carry (a sender on the system clock gives its start, so
+    // that a receiver measures latency); 0: the schedule's own times, from 0.
+    std::uint64_t signatureEpoch = 0;
 };
 
 class FrameShaper : public FrameSource {

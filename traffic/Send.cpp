@@ -474,7 +474,16 @@ SendCounts send_frames(const FrameSource& source, const SendOptions& options) {
     Histogram lateness;
     TimerSlack slack;
 
-    const std::uint64_t start = now_ns() + 100000;  // the first frame 100 µs from now
+    // The first frame 100 µs from now, or at the given time of the system clock.
+    std::uint64_t start = now_ns() + 100000;
+    if (options.startRealtimeNs != 0) {
+        timespec real{};
+        clock_gettime(CLOCK_REALTIME, &real);
+        const std::uint64_t realNow =
+            static_cast<std::uint64_t>(real.tv_sec) * 1000000000ull + static_cast<std::uint64_t>(real.tv_nsec);
+        const std::uint64_t monoNow = now_ns();
+        if (options.startRealtimeNs > realNow) start = std::max(start, monoNow + (options.startRealtimeNs - realNow));
+    }
     std::uint64_t shift = 0;                         // how far stalls moved the schedule on
     std::uint64_t burst = 0;                         // frames sent back to back while behind
     std::uint64_t nextReport = start + kProgressNs;

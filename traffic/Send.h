@@ -70,6 +70,9 @@ struct SendOptions {
     std::string interface;
     std::uint64_t count = ~std::uint64_t{0};       // at most this many frames
     std::uint64_t durationNs = ~std::uint64_t{0};  // stop before a frame due this late
+    // When the source's time 0 is, on the system clock (CLOCK_REALTIME, ns): the time its
+    // signatures were made with (ShapeOptions::signatureEpoch). 0: 100 µs after the call.
+    std::uint64_t startRealtimeNs = 0;
     // Frames per second instead of the source's times; 0 keeps the source's times.
     double rate = 0;
     // Send as fast as the interface takes the frames (no times at all).

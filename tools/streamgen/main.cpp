@@ -24,6 +24,7 @@
 #include <vector>
 
 #include "interfaces/generator_3_bll.h"
+#include "interfaces/loadProfile_1_bll.h"
 #include "platform/Message.h"
 #include "platform/Tm_codec.h"
 #include "platform/Tm_exception.h"
@@ -324,7 +325,7 @@ constexpr int kSendFailed = 4;  // the interface went away or failed during the 
 constexpr int kInterrupted = 130;
 
 struct SendArgs {
-    std::string interface, rate, tx = "auto";
+    std::string interface, rate, tx = "auto", signatureTimes = "schedule";
     uint64_t count = 0;
     double seconds = 0;
     uint32_t maxBurst = 256;
@@ -390,6 +391,15 @@ int cmd_send(const std::string& file, const std::string& requests, const SendArg
     o.tx = a.tx == "xdp" ? SendOptions::Tx::Xdp : a.tx == "packet" ? SendOptions::Tx::Packet : SendOptions::Tx::Auto;
     ShapeOptions shape;
     shape.checksums = a.checksums;
+    if (a.signatureTimes == "system") {
+        // Time 0 of the schedule a moment from now on the system clock: the signatures carry
+        // the frames' times on it, so that a receiver on the same clock measures latency.
+        const auto epoch = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                               (std::chrono::system_clock::now() + std::chrono::milliseconds(300)).time_since_epoch())
+                               .count();
+        shape.signatureEpoch = static_cast<uint64_t>(epoch);
+        o.startRealtimeNs = shape.signatureEpoch;
+    }
     std::unique_ptr<FrameSource> source;
     std::unique_ptr<BlockModifiers> mods;
     const std::string shown = file == "-" ? "standard input" : file;
@@ -402,6 +412,30 @@ int cmd_send(const std::string& file, const std::string& requests, const SendArg
         for (const auto& w : port->Warnings()) warn(shown, w);
         o.count = std::min(o.count, port->Frames());
         source = std::move(port);
+    } else if (o.rate > 0) {
+        // A block at a rate: a port of that block alone at the rate, so that its frames' times
+        // (and their signatures) are the schedule's, k / rate.
+        PortInput in;
+        in.blocks.push_back(parse_block(text));
+        if (countOpt->count() == 0 && in.blocks[0].frames) o.count = *in.blocks[0].frames;
+        LoadProfile_1_bll::loadProfile_s profile;
+        profile.loadProfileId = 1;
+        profile.load = static_cast<uint64_t>(o.rate * 1000 + 0.5);  // thousandths of a frame per second
+        profile.loadUnit = LoadProfile_1_bll::rateUnit_t::FRAMES_PER_SECOND;
+        in.profiles.push_back(profile);
+        in.bindings.push_back({in.blocks[0].block.blockID, 1});
+        in.line.lineRate = ~uint64_t{0} / 1000;  // the interface's own limit holds, not the records'
+        std::unique_ptr<Port> port;
+        try {
+            port = std::make_unique<Port>(in, shape, o.count, o.durationNs);
+        } catch (const InputError& e) {
+            if (e.where().rfind("loadProfiles", 0) == 0) throw InputError("--rate", e.what());
+            throw;
+        }
+        for (const auto& w : port->Warnings()) warn(shown, w);
+        o.count = std::min(o.count, port->Frames());
+        o.rate = 0;
+        source = std::move(port);
     } else {
         const BlockInput in = parse_block(text);
         mods = build_valid(in);
@@ -410,7 +444,7 @@ int cmd_send(const std::string& file, const std::string& requests, const SendArg
         for (const auto& w : shaper->Warnings()) warnings.push_back(w);
         for (const auto& w : warnings) warn(shown, w);
         if (countOpt->count() == 0 && in.frames) o.count = *in.frames;
-        if (o.rate == 0) o.topSpeed = true;  // a block alone has no rate of its own
+        o.topSpeed = true;  // a block alone has no rate of its own
         source = std::move(shaper);
     }
     if (o.count == ~uint64_t{0} && o.durationNs == ~uint64_t{0}) {
@@ -739,6 +773,10 @@ int main(int argc, char** argv) {
         ->check(CLI::IsMember({"auto", "packet", "xdp"}));
     send->add_option("--max-burst", sendArgs.maxBurst, "Frames sent back to back when behind, at most (default 256)")
         ->check(CLI::Range(1u, 1000000u));
+    send->add_option("--signature-times", sendArgs.signatureTimes,
+                     "schedule (default): signatures carry the schedule's times from 0, the bytes of streamgen "
+                     "frames/port; system: the times on the system clock, for a receiver's latency")
+        ->check(CLI::IsMember({"schedule", "system"}));
     send->add_flag("--force", sendArgs.force, "Send on an interface that is down or has no carrier");
     send->add_flag("--json", sendArgs.json, "Reports as JSON lines (on standard error)");
     send->footer("Reports about once a second and at the end on standard error. Ctrl-C stops, and the final counts "
