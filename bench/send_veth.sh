@@ -5,7 +5,9 @@
 #      against trafgen (netsniff-ng) and tcpreplay --topspeed, each the same number of frames,
 #      frames per second from the sender's tx_packets counter over the command's wall time;
 #   2. pacing at 10, 100 and 500 kpps: the mean rate between the first and last hand-over
-#      against the target (ppm), lateness p50/p99/max, the longest back-to-back burst.
+#      against the target (ppm), lateness p50/p99/max, the longest back-to-back burst;
+#   3. streamgen analyze -i on the peer while streamgen send goes at top speed: the frames the
+#      analyzer saw against the peer's rx_packets, and the ring's drops.
 # Run it with nothing else running:  sudo bench/send_veth.sh [STREAMGEN] [FRAMES]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -88,3 +90,18 @@ print('%7d pps: %d frames, mean %.3f pps (%+.1f ppm), late p50 %.1f us p99 %.1f 
       % ($r, d['frames'], d['mean_pps'], ppm, d['late_ns']['p50'] / 1e3, d['late_ns']['p99'] / 1e3,
          d['late_ns']['max'] / 1e3, d['longest_burst'], d['stalls'], d['sender']))"
 done
+
+echo "== live analysis at top speed ($N frames)"
+ip netns exec "$B" "$SG" analyze -i vb1 --duration 30 --json >"$WORK/live.json" 2>"$WORK/live.err" &
+listener=$!
+for _ in $(seq 50); do grep -q "listening on vb1" "$WORK/live.err" && break; sleep 0.1; done
+rx0=$(ip netns exec "$B" cat /sys/class/net/vb1/statistics/rx_packets)
+ip netns exec "$A" "$SG" send "$BLOCK" -i vb0 --count "$N" --rate max 2>/dev/null
+sleep 0.5
+kill -TERM "$listener" 2>/dev/null || true
+wait "$listener" || true
+rx1=$(ip netns exec "$B" cat /sys/class/net/vb1/statistics/rx_packets)
+python3 -c "
+import json
+d = json.load(open('$WORK/live.json'))
+print('analyzer saw %d frames, the interface received %d; %s' % (d['frames'], $rx1 - $rx0, open('$WORK/live.err').read().strip().splitlines()[-1]))"
