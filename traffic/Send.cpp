@@ -485,7 +485,7 @@ SendCounts send_frames(const FrameSource& source, const SendOptions& options) {
         if (options.startRealtimeNs > realNow) start = std::max(start, monoNow + (options.startRealtimeNs - realNow));
     }
     std::uint64_t shift = 0;                         // how far stalls moved the schedule on
-    std::uint64_t burst = 0;                         // frames sent back to back while behind
+    double interval_ns = 0;                          // the schedule's mean interval of late
     std::uint64_t nextReport = start + kProgressNs;
     // Times of the first and the last hand-over, and the frames handed over before the last.
     std::uint64_t firstSent = 0, lastSent = 0, beforeLast = 0, handedOver = 0;
@@ -524,6 +524,8 @@ SendCounts send_frames(const FrameSource& source, const SendOptions& options) {
                                      : times[k];
                 due[k] = at;  // from the start, before stalls
             }
+            // The schedule's mean interval here, to tell how many frames a lateness is worth.
+            if (n > 1 && due[n - 1] > due[0]) interval_ns = static_cast<double>(due[n - 1] - due[0]) / static_cast<double>(n - 1);
             std::size_t k = 0;
             while (k < n) {
                 std::size_t m = n;
@@ -537,24 +539,22 @@ SendCounts send_frames(const FrameSource& source, const SendOptions& options) {
                     if (when > now) {
                         wait_until(when);
                         now = now_ns();
-                        burst = 0;
-                    } else if (burst >= maxBurst) {
-                        // Behind by more than a burst: the schedule moves on to now.
+                    } else if (interval_ns > 0 && static_cast<double>(now - when) >= interval_ns * maxBurst) {
+                        // Behind by more frames than a burst may hold: the schedule moves on to
+                        // now instead of catching up.
                         shift += now - when;
                         ++counts.stalls;
-                        burst = 0;
                         continue;
                     }
                     lateness.Add(now - std::min(now, when));
-                    // With it, the frames already due, up to the burst's end.
+                    // With it, the frames already due, a burst at most.
                     m = k + 1;
-                    while (m < n && start + shift + due[m] <= now && burst + (m - k) < maxBurst &&
+                    while (m < n && start + shift + due[m] <= now && m - k < maxBurst &&
                            (options.durationNs == ~std::uint64_t{0} || due[m] < options.durationNs)) {
                         lateness.Add(now - (start + shift + due[m]));
                         ++m;
                     }
-                    burst += m - k;
-                    counts.longestBurst = std::max(counts.longestBurst, burst);
+                    counts.longestBurst = std::max<std::uint64_t>(counts.longestBurst, m - k);
                 } else if (options.durationNs != ~std::uint64_t{0} && now_ns() - std::min(now_ns(), start) >= options.durationNs) {
                     ended = true;
                     break;

@@ -9,10 +9,10 @@
 // frames leave exactly.
 //
 // Pacing: frame k is due at start + times[k] (the source's schedule, or k / rate). The sender
-// sleeps until shortly before a frame is due, then spins; frames already due go together.
-// When more than maxBurst frames are overdue (the process was held up), it sends maxBurst of
-// them, moves the schedule on to the present (a stall) and goes on from there: the rate
-// resumes instead of bursting to catch up.
+// sleeps until shortly before a frame is due, then spins; frames already due go together, at
+// most maxBurst at once. When it is behind by maxBurst frames' worth of time or more (the
+// process was held up), it moves the schedule on to the present (a stall) and goes on from
+// there: the rate resumes instead of bursting to catch up.
 #pragma once
 
 #include <atomic>
@@ -59,7 +59,7 @@ struct SendCounts {
     double seconds = 0;         // since the first frame was due
     // Frames per second between the first frame handed over and the last (0 below 2 frames).
     double meanRate = 0;
-    std::uint64_t longestBurst = 0;  // frames handed over back to back without waiting, at most
+    std::uint64_t longestBurst = 0;  // frames handed over at once because they were all due, at most
     // Lateness of frames behind their times, nanoseconds (paced sending only).
     std::uint64_t lateP50 = 0, lateP99 = 0, lateMax = 0;
     InterfaceCounters before, after;  // the interface's counters at the start and now

@@ -179,7 +179,7 @@ case_errors() {
 # End to end: sender -> router (forwarding IPv4 and IPv6) -> receiver, each a namespace of
 # this script's. The router's nftables rule drops every 10th frame of one stream; the
 # analyzer listening on the receiver reports exactly those losses on that stream, none on the
-# others, and misses no frame the receiving interface counted.
+# others, and its receive ring misses nothing.
 case_verdict() {
     command -v nft >/dev/null || { echo "skipped: no nft (Debian: nftables)"; exit 77; }
     local R=vrmsR$$ D=vrmsD$$
@@ -238,6 +238,7 @@ JSON
     timeout 60 ip netns exec "$A" "$SG" send verdict.json -i s0 --count 20008 >out.txt 2>err.txt ||
         fail "send: $(cat err.txt)"
     wait "$listener" || fail "analyze: $(cat verdict.err)"
+    has verdict.err ", 0 the receive ring missed"
     local dropped
     dropped=$(ip netns exec "$R" nft list ruleset | sed -n 's/.*counter packets \([0-9]*\).*/\1/p')
     python3 - verdict.out "$dropped" "$(($(counter "$D" d0 rx_packets) - rx0))" <<'PY' || fail "verdict: $(cat verdict.out)"
@@ -246,7 +247,9 @@ d = json.load(open(sys.argv[1]))
 dropped, arrived = int(sys.argv[2]), int(sys.argv[3])
 streams = {(s["block"], s["stream"]): s for s in d["streams"]}
 assert dropped == 400, dropped
-assert d["frames"] == arrived, (d["frames"], arrived)
+# Every signed frame that arrived was seen (the interface may also have had a stray ARP or
+# ICMPv6 frame outside the listening window).
+assert arrived >= 20008 - dropped, arrived
 assert sum(s["frames"] for s in streams.values()) == 20008 - dropped, d
 assert set(streams) == {(1, 0), (1, 1), (1, 2), (1, 3), (2, 0)}, streams.keys()
 for key, s in streams.items():
