@@ -240,7 +240,12 @@ class XdpSender final : public Sender {
         r = xsk_socket__create(&m_xsk, name.c_str(), 0, m_umem, nullptr, &m_tx, &c);
         if (r != 0) {
             c.bind_flags = XDP_USE_NEED_WAKEUP | XDP_COPY;
-            r = xsk_socket__create(&m_xsk, name.c_str(), 0, m_umem, nullptr, &m_tx, &c);
+            // The queue stays busy for a moment after a socket on it closes (a run just before).
+            for (int tries = 0; tries < 20; ++tries) {
+                r = xsk_socket__create(&m_xsk, name.c_str(), 0, m_umem, nullptr, &m_tx, &c);
+                if (r != -EBUSY) break;
+                ::usleep(25000);
+            }
         } else {
             m_zeroCopy = true;
         }
