@@ -79,9 +79,9 @@ best = max(rows.get('trafgen (1 cpu)', 0), rows.get('tcpreplay --topspeed', 0))
 print('ratio: streamgen send / the faster anchor = %.2fx' % (ours / best if best else 0))
 PY
 
-echo "== pacing (2 s each, --max-burst 64)"
+echo "== pacing (2 s each, the default --max-burst of 256)"
 for r in 10000 100000 500000; do
-    ip netns exec "$A" "$SG" send "$BLOCK" -i vb0 --count $((2 * r)) --rate "$r" --max-burst 64 --json 2>&1 >/dev/null |
+    ip netns exec "$A" "$SG" send "$BLOCK" -i vb0 --count $((2 * r)) --rate "$r" --json 2>&1 >/dev/null |
         tail -1 | python3 -c "
 import json, sys
 d = json.load(sys.stdin)
