@@ -17,23 +17,7 @@ py::list reports(const vrm::traffic::Analyzer& a) {
     py::list out;
     for (const auto& r : a.Report()) {
         py::dict d;
-        d["block"] = r.block;
-        d["stream"] = r.stream;
-        d["frames"] = r.frames;
-        d["bytes"] = r.bytes;
-        d["first_ns"] = r.firstNs;
-        d["last_ns"] = r.lastNs;
-        d["rate"] = r.rate;
-        d["lost"] = r.lost;
-        d["duplicates"] = r.duplicates;
-        d["out_of_order"] = r.outOfOrder;
-        d["max_reorder"] = r.maxReorder;
-        d["latency_min_ns"] = r.latencyMin;
-        d["latency_mean_ns"] = r.latencyMean;
-        d["latency_p50_ns"] = r.latencyP50;
-        d["latency_p99_ns"] = r.latencyP99;
-        d["latency_p999_ns"] = r.latencyP999;
-        d["latency_max_ns"] = r.latencyMax;
+        vrm::traffic::for_each_figure(r, [&](const char* name, auto value) { d[name] = value; });
         out.append(d);
     }
     return out;

@@ -30,6 +30,29 @@ struct StreamReport {
     std::uint64_t latencyP50 = 0, latencyP99 = 0, latencyP999 = 0;  // of latencies at or above 0
 };
 
+// Each figure of a report as (name, value), in one order: the names the tool's JSON and the
+// Python module's dicts give them.
+template <class F>
+void for_each_figure(const StreamReport& r, F&& f) {
+    f("block", r.block);
+    f("stream", r.stream);
+    f("frames", r.frames);
+    f("bytes", r.bytes);
+    f("first_ns", r.firstNs);
+    f("last_ns", r.lastNs);
+    f("rate", r.rate);
+    f("lost", r.lost);
+    f("duplicates", r.duplicates);
+    f("out_of_order", r.outOfOrder);
+    f("max_reorder", r.maxReorder);
+    f("latency_min_ns", r.latencyMin);
+    f("latency_mean_ns", r.latencyMean);
+    f("latency_p50_ns", r.latencyP50);
+    f("latency_p99_ns", r.latencyP99);
+    f("latency_p999_ns", r.latencyP999);
+    f("latency_max_ns", r.latencyMax);
+}
+
 class Analyzer {
   public:
     static constexpr std::uint32_t kReorderWindow = 4096;

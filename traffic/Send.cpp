@@ -316,7 +316,7 @@ class XdpSender final : public Sender {
     void Drain(SendCounts& counts) override {
         // The frames handed over but not yet completed, for at most a second.
         const std::uint64_t until = now_ns() + 1000000000ull;
-        while ((m_inFlight() != 0 || !m_again.empty()) && now_ns() < until) {
+        while ((InFlight() != 0 || !m_again.empty()) && now_ns() < until) {
             if (!m_again.empty()) Send(nullptr, nullptr, 0, counts, nullptr);
             Kick(counts);
             Reap(counts);
@@ -333,7 +333,7 @@ class XdpSender final : public Sender {
         if (e == ENODEV || e == ENXIO) throw SendError(SendError::Kind::NoInterface, "no interface named " + m_name);
         throw SendError(SendError::Kind::System, m_name + ": AF_XDP " + what + ": " + system_text(e));
     }
-    std::size_t m_inFlight() const {
+    std::size_t InFlight() const {
         std::size_t n = 0;
         for (const auto o : m_outstanding) n += o;
         return n;
@@ -490,7 +490,7 @@ SendCounts send_frames(const FrameSource& source, const SendOptions& options) {
         if (options.startRealtimeNs > realNow) start = std::max(start, monoNow + (options.startRealtimeNs - realNow));
     }
     std::uint64_t shift = 0;                         // how far stalls moved the schedule on
-    double interval_ns = 0;                          // the schedule's mean interval of late
+    double meanInterval = 0;                          // the schedule's mean interval of late
     std::uint64_t nextReport = start + kProgressNs;
     // Times of the first and the last hand-over, and the frames handed over before the last.
     std::uint64_t firstSent = 0, lastSent = 0, beforeLast = 0, handedOver = 0;
@@ -530,7 +530,7 @@ SendCounts send_frames(const FrameSource& source, const SendOptions& options) {
                 due[k] = at;  // from the start, before stalls
             }
             // The schedule's mean interval here, to tell how many frames a lateness is worth.
-            if (n > 1 && due[n - 1] > due[0]) interval_ns = static_cast<double>(due[n - 1] - due[0]) / static_cast<double>(n - 1);
+            if (n > 1 && due[n - 1] > due[0]) meanInterval = static_cast<double>(due[n - 1] - due[0]) / static_cast<double>(n - 1);
             std::size_t k = 0;
             while (k < n) {
                 std::size_t m = n;
@@ -544,7 +544,7 @@ SendCounts send_frames(const FrameSource& source, const SendOptions& options) {
                     if (when > now) {
                         wait_until(when);
                         now = now_ns();
-                    } else if (interval_ns > 0 && static_cast<double>(now - when) >= interval_ns * maxBurst) {
+                    } else if (meanInterval > 0 && static_cast<double>(now - when) >= meanInterval * maxBurst) {
                         // Behind by more frames than a burst may hold: the schedule moves on to
                         // now instead of catching up.
                         shift += now - when;

@@ -505,13 +505,9 @@ int cmd_analyze(const std::string& file, const std::string& interface, double du
         j["bad_signatures"] = analyzer.BadSignatures();
         j["streams"] = nlohmann::ordered_json::array();
         for (const auto& r : streams) {
-            j["streams"].push_back({{"block", r.block}, {"stream", r.stream}, {"frames", r.frames}, {"bytes", r.bytes},
-                                    {"first_ns", r.firstNs}, {"last_ns", r.lastNs}, {"rate", r.rate},
-                                    {"lost", r.lost}, {"duplicates", r.duplicates}, {"out_of_order", r.outOfOrder},
-                                    {"max_reorder", r.maxReorder}, {"latency_min_ns", r.latencyMin},
-                                    {"latency_mean_ns", r.latencyMean}, {"latency_p50_ns", r.latencyP50},
-                                    {"latency_p99_ns", r.latencyP99}, {"latency_p999_ns", r.latencyP999},
-                                    {"latency_max_ns", r.latencyMax}});
+            nlohmann::ordered_json o;
+            for_each_figure(r, [&](const char* name, auto value) { o[name] = value; });
+            j["streams"].push_back(o);
         }
         std::cout << j.dump() << '\n';
     } else {
